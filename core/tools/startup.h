@@ -1,0 +1,11 @@
+// Internal: the start-up registration of the built-in tools.
+#ifndef ORVANE_CORE_TOOLS_STARTUP_H
+#define ORVANE_CORE_TOOLS_STARTUP_H
+
+#include "coreapi.h"
+
+// Registers the built-in creators and modifiers, in their fixed order, with the library's
+// module handle; returns 1. The library has no built-in tools yet, so nothing is registered.
+int RegisterBuiltinInterfaces(HINSTANCE instance);
+
+#endif

@@ -1,0 +1,17 @@
+// Orvane Core: every exported header of libCore.so.
+#ifndef ORVANE_CORE_H
+#define ORVANE_CORE_H
+
+#include "coreapi.h"
+#include "coreplatform.h"
+
+#include "animclock.h"
+#include "corearray.h"
+#include "coreassert.h"
+#include "coreinterface.h"
+#include "corerandom.h"
+
+#include "ccolor.h"
+#include "cpoint.h"
+
+#endif

@@ -1,0 +1,53 @@
+// Helpers shared by the tests.
+#ifndef ORVANE_TESTS_SUPPORT_TESTSUPPORT_H
+#define ORVANE_TESTS_SUPPORT_TESTSUPPORT_H
+
+#include <string>
+#include <vector>
+
+// While alive, failed assertions are recorded instead of ending the process: _AbortApp and the
+// message-box handler record what they are given, and path_app points at a fresh temporary
+// folder (so the log file lands there). Everything is restored on destruction.
+class AssertRecorder {
+public:
+    AssertRecorder();
+    ~AssertRecorder();
+    AssertRecorder(const AssertRecorder&) = delete;
+    AssertRecorder& operator=(const AssertRecorder&) = delete;
+
+    // Number of _AbortApp calls, i.e. of assertion reports that returned.
+    int Count() const;
+    // The message-box texts, titles and types seen, in order.
+    const std::vector<std::string>& Texts() const;
+    const std::vector<std::string>& Titles() const;
+    const std::vector<unsigned int>& Types() const;
+    // The folder path_app points at, and the content of its Orvane.log ("" if absent).
+    const std::string& Folder() const { return folder_; }
+    std::string LogContents() const;
+
+private:
+    std::string folder_;
+    std::string savedPath_;
+};
+
+// A fresh empty temporary folder, removed with its content when the object dies.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::string& Path() const { return path_; }
+    std::string File(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+// Reads a whole file as bytes ("" when it cannot be opened).
+std::string ReadFileBytes(const std::string& path);
+
+// The shared real-world data folder (meshes, polygons, images).
+std::string SharedDataPath(const std::string& relative);
+
+#endif
