@@ -14,4 +14,6 @@
 #include "ccolor.h"
 #include "cpoint.h"
 
+#include "cio.h"
+
 #endif
