@@ -2,6 +2,8 @@
 #ifndef ORVANE_CCOLOR_H
 #define ORVANE_CCOLOR_H
 
+#include <climits>
+
 #include "cpoint.h"
 
 // Arithmetic with a colour, a float or an int is component-wise, alpha included (an int is
@@ -33,11 +35,12 @@ struct ccolor : cvectorops<ccolor> {
     void Identity() { Set(1.0f, 1.0f, 1.0f, 1.0f); }
     void Zero() { Set(0.0f, 0.0f, 0.0f, 0.0f); }
 
-    // A component times 255, truncated toward zero: no rounding and no clamping.
-    int Redi() const { return static_cast<int>(r * 255.0f); }
-    int Greeni() const { return static_cast<int>(g * 255.0f); }
-    int Bluei() const { return static_cast<int>(b * 255.0f); }
-    int Alphai() const { return static_cast<int>(a * 255.0f); }
+    // A component times 255, truncated toward zero: no rounding and no clamping (0.999 gives
+    // 254, 2.0 gives 510).
+    int Redi() const { return ToInt255(r); }
+    int Greeni() const { return ToInt255(g); }
+    int Bluei() const { return ToInt255(b); }
+    int Alphai() const { return ToInt255(a); }
 
     // Limits each of the four components to [0, 1].
     void Clamp() {
@@ -50,6 +53,15 @@ struct ccolor : cvectorops<ccolor> {
     float operator[](int i) const { return i == 0 ? r : (i == 1 ? g : (i == 2 ? b : a)); }
     operator float*() { return &r; }
     operator const float*() const { return &r; }
+
+private:
+    // A product outside the int range (or NaN) gives INT_MIN, as the processor's truncating
+    // conversion does, instead of an undefined conversion.
+    static int ToInt255(float c) {
+        const float scaled = c * 255.0f;
+        return scaled > -2147483648.0f && scaled < 2147483648.0f ? static_cast<int>(scaled)
+                                                                 : INT_MIN;
+    }
 };
 
 #endif

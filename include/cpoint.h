@@ -130,8 +130,8 @@ template <class V>
 inline float DotProd(const cvectorops<V>& a_, const cvectorops<V>& b_) {
     const V& a = static_cast<const V&>(a_);
     const V& b = static_cast<const V&>(b_);
-    float sum = 0.0f;
-    for (int i = 0; i < V::kSize; ++i) sum += a[i] * b[i];
+    float sum = a[0] * b[0];
+    for (int i = 1; i < V::kSize; ++i) sum += a[i] * b[i];
     return sum;
 }
 
@@ -147,32 +147,34 @@ inline float Length(const cvectorops<V>& v) {
 
 // Distance between two points.
 template <class V>
-inline float Distance(const V& a, const V& b) {
-    return Length(a - b);
+inline float Distance(const cvectorops<V>& a, const cvectorops<V>& b) {
+    return Length(static_cast<const V&>(a) - static_cast<const V&>(b));
+}
+
+// Divides v by its length in place unless that length is exactly 0.
+template <class V>
+inline V& NormalizeInPlace(cvectorops<V>& v_) {
+    V& v = static_cast<V&>(v_);
+    const float len = Length(v);
+    if (len != 0.0f) v /= len;
+    return v;
 }
 
 // A normalised copy; the zero vector is returned unchanged.
 template <class V>
 inline V Normalize(const cvectorops<V>& v) {
     V copy = static_cast<const V&>(v);
-    copy.Normalize();
-    return copy;
+    return NormalizeInPlace(copy);
 }
 
 inline cpoint2& cpoint2::Normalize() {
-    const float len = Length(*this);
-    if (len != 0.0f) *this /= len;
-    return *this;
+    return NormalizeInPlace(*this);
 }
 inline cpoint3& cpoint3::Normalize() {
-    const float len = Length(*this);
-    if (len != 0.0f) *this /= len;
-    return *this;
+    return NormalizeInPlace(*this);
 }
 inline cpoint4& cpoint4::Normalize() {
-    const float len = Length(*this);
-    if (len != 0.0f) *this /= len;
-    return *this;
+    return NormalizeInPlace(*this);
 }
 
 // a x b (right-handed).
@@ -192,30 +194,40 @@ inline bool Compare(const cvectorops<V>& a_, const cvectorops<V>& b_, float epsi
     const V& a = static_cast<const V&>(a_);
     const V& b = static_cast<const V&>(b_);
     const float eps = std::fabs(epsilon);
+    // Written as "not within" so that a NaN component never compares equal.
     for (int i = 0; i < V::kSize; ++i)
-        if (std::fabs(a[i] - b[i]) > eps) return false;
+        if (!(std::fabs(a[i] - b[i]) <= eps)) return false;
     return true;
 }
 
 // Linear interpolation a + (b - a) t; t is not clamped.
 template <class V>
-inline V Inter(const V& a, const V& b, float t) {
+inline V Inter(const cvectorops<V>& a_, const cvectorops<V>& b_, float t) {
+    const V& a = static_cast<const V&>(a_);
+    const V& b = static_cast<const V&>(b_);
     return a + (b - a) * t;
 }
 
-// Rounds every component half up: floor(c + 0.5).
+// floor(c / step + 0.5) x step, evaluated in double: in float, c + 0.5 can round up to the
+// next integer (0.49999997f + 0.5f is 1.0f) and snap a value below one half upwards.
+inline float SnapToStep(float c, double step) {
+    return static_cast<float>(std::floor(c / step + 0.5) * step);
+}
+
+// Rounds every component (w included) half up to an integer: floor(c + 0.5).
 template <class V>
 inline V SnapVector(const cvectorops<V>& v) {
     V r = static_cast<const V&>(v);
-    for (int i = 0; i < V::kSize; ++i) r[i] = std::floor(r[i] + 0.5f);
+    for (int i = 0; i < V::kSize; ++i) r[i] = SnapToStep(r[i], 1.0);
     return r;
 }
 
-// Rounds every component to the nearest multiple of step, halves up.
+// Rounds every component (w included) to a multiple of step, halves up:
+// floor(c / step + 0.5) x step.
 template <class V>
 inline V SnapVectorToGrid(const cvectorops<V>& v, float step) {
     V r = static_cast<const V&>(v);
-    for (int i = 0; i < V::kSize; ++i) r[i] = std::floor(r[i] / step + 0.5f) * step;
+    for (int i = 0; i < V::kSize; ++i) r[i] = SnapToStep(r[i], step);
     return r;
 }
 
