@@ -12,6 +12,7 @@
 #include "corerandom.h"
 
 #include "ccolor.h"
+#include "cfixed.h"
 #include "cpoint.h"
 
 #include "cio.h"
