@@ -11,6 +11,7 @@
 #include "coreinterface.h"
 #include "corerandom.h"
 
+#include "cbitarray.h"
 #include "ccolor.h"
 #include "cfixed.h"
 #include "cpoint.h"
