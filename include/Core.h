@@ -14,6 +14,7 @@
 #include "cbitarray.h"
 #include "ccolor.h"
 #include "cfixed.h"
+#include "cmatrix4.h"
 #include "cpoint.h"
 
 #include "cio.h"
