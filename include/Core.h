@@ -16,6 +16,7 @@
 #include "cfixed.h"
 #include "cmatrix4.h"
 #include "cpoint.h"
+#include "cquat.h"
 
 #include "cio.h"
 
