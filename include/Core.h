@@ -11,6 +11,7 @@
 #include "coreinterface.h"
 #include "corerandom.h"
 
+#include "cangleaxis.h"
 #include "cbitarray.h"
 #include "ccolor.h"
 #include "cfixed.h"
