@@ -87,9 +87,9 @@ public:
     // Inverts the affine part in place (Gauss-Jordan elimination with full pivoting). A
     // singular matrix is left as far as the elimination got; no error is reported.
     cmatrix4& Invert();
-    // Inverts a rigid transform in place: transposes the 3 x 3 rotation R and sets the
-    // translation to -t R^T (t the old translation, so the j-th component is -(t . column j)
-    // of the transposed rotation); m33 = 1, m03 = m13 = 0, and m23 is left unchanged.
+    // The rigid-transform inverse of this library: transposes the 3 x 3 rotation R and sets the
+    // translation's j-th component to -(t . column j of the old R), t the old translation,
+    // which is the exact inverse when R is symmetric; m33 = 1, m03 = m13 = 0, m23 unchanged.
     cmatrix4& Transpose();
     // Normalises rows 0 to 2 as four-component vectors.
     cmatrix4& RemoveScaling();
@@ -198,7 +198,7 @@ inline cpoint4 operator*(const cpoint4& p, const cmatrix4& m) {
 
 // The inverse of the affine part (see cmatrix4::Invert).
 CORE_API cmatrix4 Inverse(const cmatrix4& m);
-// A copy with cmatrix4::Transpose applied: the inverse of a rigid transform.
+// A copy with cmatrix4::Transpose applied.
 CORE_API cmatrix4 Transpose(const cmatrix4& m);
 // A copy with rows 0 to 2 normalised as four-component vectors.
 CORE_API cmatrix4 RemoveScaling(const cmatrix4& m);

