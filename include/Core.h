@@ -20,5 +20,6 @@
 #include "cquat.h"
 
 #include "cio.h"
+#include "ciofields.h"
 
 #endif
