@@ -21,5 +21,17 @@
 
 #include "cio.h"
 #include "ciofields.h"
+#include "projectheader.h"
+
+#include "canim.h"
+#include "cparamanim.h"
+
+#include "cnode.h"
+#include "cscene.h"
+#include "ik.h"
+#include "mtllist.h"
+#include "nodelist.h"
+
+#include "cmaterial.h"
 
 #endif

@@ -11,6 +11,7 @@
 #include "coreapi.h"
 #include "cpoint.h"
 
+class cbitarray;
 class cnode;
 class cmaterial;
 class cimage;
@@ -231,6 +232,29 @@ public:
     static int GetProjectName(char* name);
     static void SetProjectPath(char const* path);
     static int GetProjectPath(char* path);
+
+    // Answers from MainScene (see cscene.h for each one's meaning).
+    // The numbers of nodes, of selected nodes, of hidden nodes, of materials and of materials
+    // some node uses.
+    static int NumNodes();
+    static int NumSelNodes();
+    static int NumHiddenNodes();
+    static int NumMaterials();
+    static int NumUsedMaterials();
+    // Element i is 1 for each material no node uses; returns their number.
+    static int GetUnusedMaterials(cbitarray& unused);
+    // The earliest and latest key time of the nodes' tracks, in ticks; 0 without keys.
+    static int GetAnimSeg(int* start, int* end);
+    // The world box of the nodes at `time`; 0 (corners at the origin) when no node counts.
+    static int GetWorldBBox(int time, cpoint3& min, cpoint3& max, int selectedOnly,
+                            int includeHidden);
+    // The scene indices of the nodes, every parent before its children.
+    static int GetNodesHierarchy(cbitarray& order);
+    // After a time change: every node re-evaluates itself; the selection centre follows.
+    static void UpdateNodes();
+    static void UpdateMisc();
+    // Recomputes the cached selection centre.
+    static void UpdateSelPos();
 
     // A copy of the application folder in a buffer owned by the facade.
     static char* GetMainPath();

@@ -1,4 +1,7 @@
 // The Interface facade: forwarders to the host callbacks and the library's own answers.
+//
+// The members answered from MainScene (NumNodes, GetWorldBBox, UpdateNodes ...) are defined in
+// core/scene/interfacescene.cpp: the runtime lies below the scene and does not include it.
 #include <cstring>
 
 #include "animclock.h"
