@@ -13,7 +13,7 @@ constexpr int NAME_MAX_CHARS = NAME_FIELD_BYTES - 1;
 inline void StoreName(char (&field)[NAME_FIELD_BYTES], char const* name) {
     if (!name) return;
     std::memset(field, 0, sizeof field);
-    std::strncpy(field, name, NAME_MAX_CHARS);
+    std::memcpy(field, name, strnlen(name, NAME_MAX_CHARS));
 }
 
 #endif
