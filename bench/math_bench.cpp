@@ -7,13 +7,13 @@
 #include <Eigen/Geometry>
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "cmatrix4.h"
 #include "cquat.h"
+#include "ratioreporter.h"
 
 namespace {
 
@@ -194,40 +194,11 @@ BENCHMARK(BM_Slerp_Eigen);
 BENCHMARK(BM_QuatFromMatrix_Ours);
 BENCHMARK(BM_QuatFromMatrix_Eigen);
 
-// Prints as the console does and keeps every repetition's time per benchmark.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-                times_[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    void PrintRatio(const char* label, const std::string& ours, const std::string& eigen) {
-        const double a = Median(ours), b = Median(eigen);
-        if (a > 0.0 && b > 0.0) std::printf("ratio %s: %.2f\n", label, a / b);
-    }
-
-private:
-    double Median(const std::string& name) {
-        std::vector<double>& t = times_[name];
-        if (t.empty()) return 0.0;
-        std::nth_element(t.begin(), t.begin() + t.size() / 2, t.end());
-        return t[t.size() / 2];
-    }
-
-    std::map<std::string, std::vector<double>> times_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
+    if (!RunBenchmarks(argc, argv, reporter)) return 1;
     reporter.PrintRatio("product", "BM_Product_Ours", "BM_Product_EigenAffine3f");
     reporter.PrintRatio("product_matrix4f", "BM_Product_Ours", "BM_Product_EigenMatrix4f");
     reporter.PrintRatio("point_transform", "BM_PointTransform_Ours", "BM_PointTransform_Eigen");
