@@ -14,6 +14,7 @@
 #include "nodelist.h"
 #include "runtime/check.h"
 #include "runtime/namefield.h"
+#include "runtime/notestext.h"
 
 namespace {
 
@@ -49,11 +50,11 @@ ccolor RandomColor() {
 }
 
 // A zero-terminated copy of `length` bytes (array_new), or null after reporting `what`.
-char* NewText(int length, char const* what) {
-    auto* text = static_cast<char*>(array_new(static_cast<unsigned long>(length) + 1));
-    CORE_CHECK(text != nullptr, what);
-    if (text) text[length] = '\0';
-    return text;
+static_assert(NODE_NOTES_MAX == NOTES_MAX_CHARS, "one notes limit for nodes and the scene");
+
+// Allocation reports of the notes name this file.
+void ReportCheck(bool ok, char const* what) {
+    CORE_CHECK(ok, what);
 }
 
 // The local matrix Scale x Rotation x Translation of a key, and back. Decomposing takes the
@@ -687,7 +688,7 @@ int cnode::Load(cio_load& in, unsigned long version) {
     if (!field.ok || !StreamHolds(in, length, 1)) return 0;
     if (length > 0) {
         ClearNotes();
-        notes = NewText(length, "notes");
+        notes = NewNotesBuffer(length, "notes", ReportCheck);
         const auto bytes = static_cast<unsigned int>(length);
         if (!(notes ? in.Read(notes, bytes) : in.Skip(bytes))) return 0;
     }
@@ -703,32 +704,15 @@ int cnode::Load(cio_load& in, unsigned long version) {
 // Notes
 
 void cnode::ClearNotes() {
-    array_delete(notes);
-    notes = nullptr;
+    ClearNotesText(notes);
 }
 
 void cnode::CopyNotes(char const* text, int length) {
-    if (!text || !*text || length <= 0) return;
-    // Intended: notes hold at most 8192 characters.
-    length = static_cast<int>(strnlen(text, std::min(length, NODE_NOTES_MAX)));
-    ClearNotes();
-    notes = NewText(length, "notes");
-    if (notes) std::memcpy(notes, text, length);
+    CopyNotesText(notes, text, length, ReportCheck);
 }
 
 void cnode::AddNotes(char const* text, int length) {
-    if (!text || !*text || length <= 0) return;
-    if (!notes) return CopyNotes(text, length);
-    const int current = NotesSize();
-    const int room = NODE_NOTES_MAX - current;
-    if (room <= 0) return;
-    length = static_cast<int>(strnlen(text, std::min(length, room)));
-    char* joined = NewText(current + length, "nnotes");
-    if (!joined) return;
-    std::memcpy(joined, notes, current);
-    std::memcpy(joined + current, text, length);
-    array_delete(notes);
-    notes = joined;
+    AddNotesText(notes, text, length, ReportCheck);
 }
 
 char const* cnode::GetNotes() const {
@@ -736,7 +720,7 @@ char const* cnode::GetNotes() const {
 }
 
 int cnode::NotesSize() const {
-    return notes ? static_cast<int>(std::strlen(notes)) : 0;
+    return NotesTextSize(notes);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -13,6 +13,7 @@
 #include "coreinterface.h"
 #include "runtime/check.h"
 #include "runtime/namefield.h"
+#include "runtime/notestext.h"
 
 cscene MainScene;
 
@@ -658,45 +659,19 @@ void cscene::ResetFog(int disable) {
 // ---- Notes ----
 
 void cscene::ClearNotes() {
-    array_delete(notes);
-    notes = nullptr;
+    ClearNotesText(notes);
 }
 
 void cscene::CopyNotes(char const* text, int length) {
-    if (!text || !*text || length <= 0) return;
-    length = std::min(length, NODE_NOTES_MAX);
-    ClearNotes();
-    const size_t copied = strnlen(text, static_cast<size_t>(length));
-    auto* buffer = static_cast<char*>(array_new(static_cast<unsigned long>(length) + 1));
-    CORE_CHECK(buffer != nullptr, "notes");
-    if (!buffer) return;
-    std::memcpy(buffer, text, copied);
-    buffer[copied] = '\0';
-    notes = buffer;
+    CopyNotesText(notes, text, length, [](bool ok, char const* what) { CORE_CHECK(ok, what); });
 }
 
 void cscene::AddNotes(char const* text, int length) {
-    if (!text || !*text || length <= 0) return;
-    if (!notes) {
-        CopyNotes(text, length);
-        return;
-    }
-    const int current = NotesSize();
-    length = std::min(length, NODE_NOTES_MAX - current);
-    if (length <= 0) return;
-    const size_t added = strnlen(text, static_cast<size_t>(length));
-    auto* buffer = static_cast<char*>(array_new(static_cast<unsigned long>(current + length) + 1));
-    CORE_CHECK(buffer != nullptr, "nnotes");
-    if (!buffer) return;
-    std::memcpy(buffer, notes, static_cast<size_t>(current));
-    std::memcpy(buffer + current, text, added);
-    buffer[static_cast<size_t>(current) + added] = '\0';
-    array_delete(notes);
-    notes = buffer;
+    AddNotesText(notes, text, length, [](bool ok, char const* what) { CORE_CHECK(ok, what); });
 }
 
 int cscene::NotesSize() const {
-    return notes ? static_cast<int>(std::strlen(notes)) : 0;
+    return NotesTextSize(notes);
 }
 
 void cscene::Clear() {
