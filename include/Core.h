@@ -31,6 +31,7 @@
 #include "ik.h"
 #include "mtllist.h"
 #include "nodelist.h"
+#include "projectfile.h"
 
 #include "cmaterial.h"
 

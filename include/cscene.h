@@ -78,6 +78,9 @@ public:
     // a parent chain that loops) are then taken in index order, each with its descendants. Every
     // node appears exactly once. Returns the number of entries, NumNodes().
     int GetNodesHierarchy(cbitarray& order);
+    // Rearranges the node array: the node at index order[k] moves to index k. Returns 1, or 0
+    // with nothing changed when `order` is not a permutation of 0 .. NumNodes() - 1.
+    int SetNodeOrder(const cbitarray& order);
 
     // The world-space box of the nodes at `time`: each node's local box (GetBBox) with its
     // eight corners transformed by the node's world matrix (GetNodeTM). A node without
@@ -205,6 +208,15 @@ public:
     // then the host's Application_InformDeleted(node) is called, then node->Delete(). Null is
     // ignored.
     void DeleteNodeForGood(cnode* node);
+
+    // ---- Replacing the whole scene ----
+
+    // Exchanges the nodes and materials with those of `other`, together with the state that
+    // goes with them: the selected and hidden counters, the cached selected node, the
+    // sub-object level and the cached selection centre. Settings, colours and notes stay with
+    // each scene. The project loader moves MainScene's contents aside into a scratch scene
+    // with it, loads into the emptied MainScene, and swaps back when the file is refused.
+    void SwapNodesAndMaterials(cscene& other);
 
     // ---- Scene settings ----
 

@@ -30,6 +30,9 @@ public:
     static cmaterial* GetMaterialAt(int i);
     // The number of names in the table, or MainScene.NumMaterials() without one.
     static int NumMaterials();
+    // The table's i-th name (zero-terminated, at most 63 characters), or null for an index
+    // outside the table or without a table.
+    static char const* GetNameAt(int i);
     // MainScene's material named `name`, or null.
     static cmaterial* FindMaterial(char const* name);
     // MainScene's index of `material`, or -1.

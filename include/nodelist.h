@@ -35,6 +35,9 @@ public:
     static cnode* GetNodeAt(int i);
     // The number of names in the table, or MainScene.NumNodes() without one.
     static int NumNodes();
+    // The table's i-th name (zero-terminated, at most 63 characters), or null for an index
+    // outside the table or without a table. The project loader matches records against it.
+    static char const* GetNameAt(int i);
     // MainScene's node named `name`, or null.
     static cnode* FindNode(char const* name);
     // MainScene's index of `node`, or -1.

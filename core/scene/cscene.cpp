@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <unordered_map>
+#include <utility>
 
 #include "animclock.h"
 #include "cmaterial.h"
@@ -277,6 +278,25 @@ int cscene::GetNodesHierarchy(cbitarray& order) {
     for (int i = 0; i < nnodes; ++i)
         if (!walk.listed[i]) RecurseNodesHierarchy(nodes[i], walk);
     return walk.next;
+}
+
+int cscene::SetNodeOrder(const cbitarray& order) {
+    if (order.GetSize() != nnodes) return 0;
+    cbitarray taken(nnodes);
+    for (int k = 0; k < nnodes; ++k) {
+        const int from = order[k];
+        if (from < 0 || from >= nnodes || taken[from]) return 0;
+        taken.Set(from);
+    }
+    if (nnodes == 0) return 1;
+    auto** sorted =
+        static_cast<cnode**>(array_new(sizeof(cnode*) * static_cast<unsigned long>(nnodes)));
+    CORE_CHECK(sorted != nullptr, "nodes");
+    if (!sorted) return 0;
+    for (int k = 0; k < nnodes; ++k) sorted[k] = nodes[order[k]];
+    array_delete(nodes);
+    nodes = sorted;
+    return 1;
 }
 
 void cscene::RecurseNodesHierarchy(cnode* node, HierarchyWalk& walk) {
@@ -628,6 +648,20 @@ void cscene::DeleteNodeForGood(cnode* node) {
     SendToNodes(MSG_NODE_DELETED, node, nullptr);
     Application_InformDeleted(node);
     node->Delete();
+}
+
+// ---- Replacing the whole scene ----
+
+void cscene::SwapNodesAndMaterials(cscene& other) {
+    std::swap(nodes, other.nodes);
+    std::swap(nnodes, other.nnodes);
+    std::swap(materials, other.materials);
+    std::swap(nmaterials, other.nmaterials);
+    std::swap(nselected, other.nselected);
+    std::swap(nhidden, other.nhidden);
+    std::swap(selnode, other.selnode);
+    std::swap(sublevel, other.sublevel);
+    std::swap(selcenter, other.selcenter);
 }
 
 // ---- Scene settings ----

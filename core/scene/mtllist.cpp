@@ -43,6 +43,10 @@ int MtlList::NumMaterials() {
     return Table().Loaded() ? Table().Count() : MainScene.NumMaterials();
 }
 
+char const* MtlList::GetNameAt(int i) {
+    return Table().NameAt(i);
+}
+
 cmaterial* MtlList::FindMaterial(char const* name) {
     return MainScene.FindMaterial(name);
 }

@@ -42,6 +42,10 @@ int NodeList::NumNodes() {
     return Table().Loaded() ? Table().Count() : MainScene.NumNodes();
 }
 
+char const* NodeList::GetNameAt(int i) {
+    return Table().NameAt(i);
+}
+
 cnode* NodeList::FindNode(char const* name) {
     return MainScene.FindNode(name);
 }

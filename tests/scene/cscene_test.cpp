@@ -328,6 +328,51 @@ TEST_F(SceneTest, HierarchyListsParentsBeforeChildren) {
     y->Detach(x, 0);
 }
 
+TEST_F(SceneTest, NodesTakeAGivenOrderAndContentsSwapWithTheirCounters) {
+    TestNode* a = Add("A");
+    TestNode* b = Add("B");
+    TestNode* c = Add("C");
+    cbitarray order(3);
+    order.Set(0, 2);
+    order.Set(1, 0);
+    order.Set(2, 1);
+    ASSERT_EQ(MainScene.SetNodeOrder(order), 1);
+    EXPECT_EQ(MainScene.GetNodeAt(0), c);
+    EXPECT_EQ(MainScene.GetNodeAt(1), a);
+    EXPECT_EQ(MainScene.GetNodeAt(2), b);
+    order.Set(2, 0);  // not a permutation
+    EXPECT_EQ(MainScene.SetNodeOrder(order), 0);
+    EXPECT_EQ(MainScene.SetNodeOrder(cbitarray(2)), 0);
+    EXPECT_EQ(MainScene.GetNodeAt(0), c) << "a refused order changes nothing";
+
+    MainScene.Select(a);
+    MainScene.Hide(b);
+    MainScene.SetSubLevel(2);
+    MainScene.AddMaterial(new TestMaterial("Steel"), 1);
+    MainScene.SetAmbient(ccolor(0.5f, 0.5f, 0.5f, 1.0f));
+    {
+        cscene aside;
+        MainScene.SwapNodesAndMaterials(aside);
+        EXPECT_EQ(MainScene.NumNodes(), 0);
+        EXPECT_EQ(MainScene.NumMaterials(), 0);
+        EXPECT_EQ(MainScene.NumSelected(), 0);
+        EXPECT_EQ(MainScene.NumHidden(), 0);
+        EXPECT_EQ(MainScene.GetSelNode(), nullptr);
+        EXPECT_EQ(MainScene.GetSubLevel(), 0);
+        EXPECT_EQ(MainScene.GetAmbient().r, 0.5f) << "settings stay";
+        EXPECT_EQ(aside.GetNodeAt(1), a);
+        EXPECT_EQ(aside.GetSelNode(), a);
+        EXPECT_EQ(aside.NumHidden(), 1);
+        EXPECT_EQ(aside.GetSubLevel(), 2);
+        MainScene.SwapNodesAndMaterials(aside);
+    }
+    EXPECT_TRUE(events.empty()) << "nothing was destroyed";
+    EXPECT_EQ(MainScene.NumNodes(), 3);
+    EXPECT_EQ(MainScene.GetMaterialAt(0)->GetName(), std::string("Steel"));
+    EXPECT_EQ(MainScene.GetSelNode(), a);
+    EXPECT_EQ(MainScene.NumHidden(), 1);
+}
+
 TEST_F(SceneTest, MaterialsAreAppliedToTheSelectionAndCountedWhenUsed) {
     TestNode* a = Add("A");
     TestNode* b = Add("B");

@@ -47,6 +47,8 @@ TEST_F(MtlListTest, ReadsTheMaterialTableNotTheNodeTable) {
     EXPECT_EQ(MtlList::GetMaterialAt(0), wood);
     EXPECT_EQ(MtlList::GetMaterialAt(1), nullptr);
     EXPECT_EQ(MtlList::GetMaterialAt(2), chrome);
+    EXPECT_STREQ(MtlList::GetNameAt(1), "Glass");
+    EXPECT_EQ(MtlList::GetNameAt(3), nullptr);
     EXPECT_EQ(MtlList::FindMaterial("Chrome"), chrome);
     EXPECT_EQ(MtlList::Find(wood), 1);
 

@@ -65,6 +65,9 @@ TEST_F(NodeListTest, AnswersTheSceneNodeBearingEachStoredName) {
     EXPECT_EQ(NodeList::GetNodeAt(2), sphere);
     EXPECT_EQ(NodeList::GetNodeAt(4), nullptr);
     EXPECT_EQ(NodeList::GetNodeAt(-1), nullptr);
+    EXPECT_STREQ(NodeList::GetNameAt(1), "Camera01") << "the name whether or not a node bears it";
+    EXPECT_EQ(NodeList::GetNameAt(3), std::string(63, 'n'));
+    EXPECT_EQ(NodeList::GetNameAt(4), nullptr);
 
     // A 64-byte field without a terminator is read as its first 63 characters.
     auto* longName = new cnode(std::string(70, 'n').c_str(), ccolor());
@@ -75,6 +78,7 @@ TEST_F(NodeListTest, AnswersTheSceneNodeBearingEachStoredName) {
     EXPECT_EQ(NodeList::Find(sphere), 0);
 
     NodeList::Clear();
+    EXPECT_EQ(NodeList::GetNameAt(0), nullptr);
     EXPECT_EQ(NodeList::GetNodeAt(1), box);
     EXPECT_EQ(NodeList::NumNodes(), 3);
 }

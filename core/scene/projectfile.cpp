@@ -1,0 +1,563 @@
+// The project file: MainScene, its settings and the animation clock, written and read whole.
+//
+// It lives with the scene rather than with the streams because it creates nodes and fills
+// MainScene; the byte layout is in docs/file-format.md.
+#include "projectfile.h"
+
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "animclock.h"
+#include "cbitarray.h"
+#include "ccolor.h"
+#include "cio.h"
+#include "ciofields.h"
+#include "cmaterial.h"
+#include "cnode.h"
+#include "cpoint.h"
+#include "cscene.h"
+#include "mtllist.h"
+#include "nodelist.h"
+
+namespace {
+
+// ---- The header ----
+
+// A stretch of the file, in bytes from the start.
+struct Section {
+    std::uint32_t offset = 0;
+    std::uint32_t size = 0;
+    long long End() const { return static_cast<long long>(offset) + size; }
+};
+
+// The header's words after the magic. The clock words hold signed values.
+struct Header {
+    std::uint32_t version = 0;
+    std::uint32_t nodeTable = 0, numNodes = 0;
+    std::uint32_t materialTable = 0, numMaterials = 0;
+    Section settings, materials, nodes;
+    std::uint32_t animStart = 0, animEnd = 0, animTime = 0, animTPF = 0;
+};
+
+// Every header word with its offset: the one list that reading and writing share.
+template <class Visit>
+void ForEachHeaderWord(Header& h, Visit visit) {
+    visit(PROJECT_VERSION_AT, h.version);
+    visit(PROJECT_NODE_TABLE_OFFSET_AT, h.nodeTable);
+    visit(PROJECT_NODE_COUNT_AT, h.numNodes);
+    visit(PROJECT_MATERIAL_TABLE_OFFSET_AT, h.materialTable);
+    visit(PROJECT_MATERIAL_COUNT_AT, h.numMaterials);
+    visit(PROJECT_SETTINGS_OFFSET_AT, h.settings.offset);
+    visit(PROJECT_SETTINGS_SIZE_AT, h.settings.size);
+    visit(PROJECT_MATERIAL_RECORDS_OFFSET_AT, h.materials.offset);
+    visit(PROJECT_MATERIAL_RECORDS_SIZE_AT, h.materials.size);
+    visit(PROJECT_NODE_RECORDS_OFFSET_AT, h.nodes.offset);
+    visit(PROJECT_NODE_RECORDS_SIZE_AT, h.nodes.size);
+    visit(PROJECT_ANIM_START_AT, h.animStart);
+    visit(PROJECT_ANIM_END_AT, h.animEnd);
+    visit(PROJECT_ANIM_TIME_AT, h.animTime);
+    visit(PROJECT_ANIM_TPF_AT, h.animTPF);
+}
+
+int Signed(std::uint32_t word) {
+    return static_cast<std::int32_t>(word);
+}
+
+int SectionInside(const Section& section, long long fileSize) {
+    return section.offset >= PROJECT_HEADER_SIZE && section.End() <= fileSize;
+}
+
+// A name table: its count word, then 64 bytes per name.
+int TableInside(std::uint32_t offset, std::uint32_t count, long long fileSize) {
+    const long long end = static_cast<long long>(offset) + 4 +
+                          static_cast<long long>(count) * PROJECT_TABLE_NAME_SIZE;
+    return offset >= PROJECT_HEADER_SIZE && count <= INT_MAX / PROJECT_TABLE_NAME_SIZE &&
+           end <= fileSize;
+}
+
+// Reads and checks the header: the magic, a version from 1 to 16, and every table and section
+// inside the file.
+int ReadHeader(cio_load& in, Header& header) {
+    unsigned char bytes[PROJECT_HEADER_SIZE];
+    if (in.SetPosition(0, 0) != 0 || !in.Read(bytes, sizeof bytes)) return 0;
+    if (std::memcmp(bytes, PROJECT_MAGIC, sizeof PROJECT_MAGIC) != 0) return 0;
+    ForEachHeaderWord(header, [&bytes](unsigned int at, std::uint32_t& word) {
+        word = bytes[at] | bytes[at + 1] << 8 | bytes[at + 2] << 16 |
+               static_cast<std::uint32_t>(bytes[at + 3]) << 24;
+    });
+    const long long size = in.Size();
+    return header.version >= 1 && header.version <= PROJECT_MAX_VERSION &&
+           TableInside(header.nodeTable, header.numNodes, size) &&
+           TableInside(header.materialTable, header.numMaterials, size) &&
+           SectionInside(header.settings, size) && SectionInside(header.materials, size) &&
+           SectionInside(header.nodes, size);
+}
+
+int WriteHeader(cio_save& out, Header header) {
+    unsigned char bytes[PROJECT_HEADER_SIZE] = {};
+    std::memcpy(bytes, PROJECT_MAGIC, sizeof PROJECT_MAGIC);
+    ForEachHeaderWord(header, [&bytes](unsigned int at, std::uint32_t word) {
+        for (unsigned int b = 0; b < 4; ++b) bytes[at + b] = (word >> (8 * b)) & 0xFF;
+    });
+    return out.SetPosition(0, 0) == 0 && out.Write(bytes, sizeof bytes);
+}
+
+// ---- The scene settings record ----
+
+struct SceneSettings {
+    ccolor ambient, background;
+    int fog = 0;
+    cpoint3 fogColor;
+    float fogStart = 0.0f, fogEnd = 1.0f, fogDensity = 1.0f;
+    std::string notes;
+};
+
+// The record's fields in file order, each handed to `field`: one list for both directions.
+template <class Field>
+int ForEachSetting(SceneSettings& s, Field field) {
+    return field(s.ambient) && field(s.background) && field(s.fog) && field(s.fogColor) &&
+           field(s.fogStart) && field(s.fogEnd) && field(s.fogDensity) && field(s.notes);
+}
+
+// One field through the stream helper of its type.
+struct ReadField {
+    cio_load& in;
+    int operator()(ccolor& v) const { return ReadColor(in, v); }
+    int operator()(cpoint3& v) const { return ReadPoint3(in, v); }
+    int operator()(float& v) const { return ReadFloat(in, v); }
+    int operator()(int& v) const { return ReadInt32(in, v); }
+    int operator()(std::string& v) const { return ReadText(in, v); }
+};
+struct WriteField {
+    cio_save& out;
+    int operator()(const ccolor& v) const { return WriteColor(out, v); }
+    int operator()(const cpoint3& v) const { return WritePoint3(out, v); }
+    int operator()(float v) const { return WriteFloat(out, v); }
+    int operator()(int v) const { return WriteInt32(out, v); }
+    int operator()(const std::string& v) const { return WriteText(out, v); }
+};
+
+SceneSettings SettingsOf(const cscene& scene) {
+    SceneSettings s;
+    s.ambient = scene.GetAmbient();
+    s.background = scene.GetBkColor();
+    s.fog = scene.IsFogEnabled();
+    scene.GetFogValues(s.fogColor, s.fogStart, s.fogEnd, s.fogDensity);
+    if (scene.GetNotes()) s.notes.assign(scene.GetNotes(), scene.NotesSize());
+    return s;
+}
+
+void ApplySettings(const SceneSettings& s, cscene& scene) {
+    scene.SetAmbient(s.ambient);
+    scene.SetBkColor(s.background);
+    scene.EnableFog(s.fog);
+    scene.SetFogValues(s.fogColor, s.fogStart, s.fogEnd, s.fogDensity);
+    scene.ClearNotes();
+    scene.CopyNotes(s.notes.data(), static_cast<int>(s.notes.size()));
+    // The file holds no background image: the old project's must not stay behind.
+    scene.ClearBkImage();
+}
+
+// Fields added later are appended: a record longer than this reader knows is read as far as
+// it knows, and a shorter one is corrupt.
+int ReadSettings(cio_load& in, const Section& section, SceneSettings& settings) {
+    return in.SetPosition(section.offset, 0) == 0 && ForEachSetting(settings, ReadField{in}) &&
+           in.GetPosition() <= section.End();
+}
+
+// ---- Writing helpers ----
+
+// The stream's position as a 32-bit file offset; 0 past 4 GiB.
+int PositionWord(const cio& io, std::uint32_t& word) {
+    const long position = io.GetPosition();
+    if (position < 0 || static_cast<unsigned long>(position) > UINT32_MAX) return 0;
+    word = static_cast<std::uint32_t>(position);
+    return 1;
+}
+
+// Runs `write` and records where its bytes went.
+template <class Write>
+int WriteSection(cio_save& out, Section& section, Write write) {
+    std::uint32_t end = 0;
+    if (!PositionWord(out, section.offset) || !write() || !PositionWord(out, end)) return 0;
+    section.size = end - section.offset;
+    return 1;
+}
+
+// Runs `write` behind a 32-bit word that receives the byte length of what it wrote.
+template <class Write>
+int WriteSized(cio_save& out, Write write) {
+    Section record;
+    const long lengthAt = out.GetPosition();
+    if (!WriteUInt32(out, 0) || !WriteSection(out, record, write)) return 0;
+    return out.SetPosition(lengthAt, 0) == 0 && WriteUInt32(out, record.size) &&
+           out.SetPosition(static_cast<long>(record.End()), 0) == 0;
+}
+
+// A name table: the count, then one 64-byte field per name that `nameAt` gives.
+template <class NameAt>
+int WriteNameTable(cio_save& out, int count, NameAt nameAt) {
+    if (!WriteUInt32(out, static_cast<std::uint32_t>(count))) return 0;
+    for (int i = 0; i < count; ++i)
+        if (!WriteName(out, nameAt(i), PROJECT_TABLE_NAME_SIZE)) return 0;
+    return 1;
+}
+
+// ---- Material records ----
+
+// Today a material is its name, so its record is the name field. The record is framed by its
+// byte length (WriteSized), so the material's full data can follow the name in later files and
+// readers skip what they do not know.
+int WriteMaterialRecord(cio_save& out, const cmaterial& material) {
+    return WriteName(out, material.GetName(), NAME_FIELD_SIZE);
+}
+
+cmaterial* ReadMaterialRecord(cio_load& in, unsigned long version, std::uint32_t length) {
+    char name[NAME_FIELD_SIZE] = {};
+    const unsigned int nameSize = NameFieldSize(version);
+    if (length < nameSize || !ReadName(in, name, nameSize)) return nullptr;
+    return new (std::nothrow) cmaterial(name);
+}
+
+// ---- Node records ----
+
+// Creates the node that a record of `type` and `subType` loads into, or null for a type the
+// library cannot create. Each node kind adds its case here.
+cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t subType) {
+    switch (type) {
+        case TYPE_NODE:
+            // A plain node has no variants: its record carries the sub-type as it is.
+            return new (std::nothrow) cnode("", ccolor());
+        default:
+            return nullptr;
+    }
+}
+
+// The start of every node record (the base record): type, sub-type, name, parent name.
+struct RecordHead {
+    std::uint32_t type = 0, subType = 0;
+    char name[NAME_FIELD_SIZE] = {};
+    char parent[NAME_FIELD_SIZE] = {};
+};
+
+// Reads the head of the record at the stream's position without consuming it.
+int PeekRecordHead(cio_load& in, unsigned long version, RecordHead& head) {
+    const long at = in.GetPosition();
+    const unsigned int nameSize = NameFieldSize(version);
+    const int ok = ReadUInt32(in, head.type) && ReadUInt32(in, head.subType) &&
+                   ReadName(in, head.name, nameSize) && ReadName(in, head.parent, nameSize);
+    return in.SetPosition(at, 0) == 0 && ok;
+}
+
+// ---- Loading ----
+
+// A table name as a record of `version` holds it: record names below version 13 keep 31
+// characters, while the tables always have 64-byte fields.
+std::string RecordName(char const* tableName, unsigned long version) {
+    return std::string(tableName ? tableName : "").substr(0, NameFieldSize(version) - 1);
+}
+
+// What reading the records needs besides the header.
+struct Loading {
+    cio_load& in;
+    const Header& header;
+    std::unordered_set<std::string> tableNodeNames;
+};
+
+// Hands a loaded item to MainScene with `add`, which keeps its name; destroys it when the
+// scene cannot take it (its array could not grow).
+template <class T, class Add, class Count>
+int AddToMainScene(T* item, Add add, Count count) {
+    const int before = count();
+    add(item);
+    if (count() > before) return 1;
+    item->Delete();
+    return 0;
+}
+
+int AddNodeToMainScene(cnode* node) {
+    return AddToMainScene(
+        node, [](cnode* n) { MainScene.AddNode(n, 1); }, [] { return MainScene.NumNodes(); });
+}
+
+int AddMaterialToMainScene(cmaterial* material) {
+    return AddToMainScene(
+        material, [](cmaterial* m) { MainScene.AddMaterial(m, 1); },
+        [] { return MainScene.NumMaterials(); });
+}
+
+// The i-th material record: its length word, then the record, which must bear the table's
+// i-th name.
+int LoadMaterialRecord(Loading& loading, std::uint32_t i) {
+    cio_load& in = loading.in;
+    std::uint32_t length = 0;
+    if (!ReadUInt32(in, length)) return 0;
+    const long long end = in.GetPosition() + static_cast<long long>(length);
+    if (end > loading.header.materials.End()) return 0;
+    cmaterial* material = ReadMaterialRecord(in, loading.header.version, length);
+    if (!material || !AddMaterialToMainScene(material)) return 0;
+    return RecordName(MtlList::GetNameAt(static_cast<int>(i)), loading.header.version) ==
+               material->GetName() &&
+           in.SetPosition(static_cast<long>(end), 0) == 0;
+}
+
+int LoadMaterials(Loading& loading) {
+    const Section& section = loading.header.materials;
+    if (loading.in.SetPosition(section.offset, 0) != 0) return 0;
+    for (std::uint32_t i = 0; i < loading.header.numMaterials; ++i)
+        if (!LoadMaterialRecord(loading, i)) return 0;
+    return loading.in.GetPosition() == section.End();
+}
+
+// One node record: the type and sub-type words, then the node's own record, which repeats
+// them. The node joins MainScene at once, so that the records after it find it as a parent.
+int LoadNodeRecord(Loading& loading) {
+    cio_load& in = loading.in;
+    std::uint32_t type = 0, subType = 0;
+    RecordHead head;
+    if (!ReadUInt32(in, type) || !ReadUInt32(in, subType) ||
+        !PeekRecordHead(in, loading.header.version, head))
+        return 0;
+    if (head.type != type || head.subType != subType) return 0;
+    // Parents are written first: a parent that the table names but no earlier record gave is
+    // a later record, which only a damaged file or a parent cycle produces. A parent the
+    // table does not name is left unresolved, and the node stays a root.
+    if (head.parent[0] && !MainScene.FindNode(head.parent) &&
+        loading.tableNodeNames.count(head.parent))
+        return 0;
+    cnode* node = CreateNodeForRecord(type, subType);
+    if (!node) return 0;
+    if (!node->Load(in, loading.header.version)) {
+        node->Delete();
+        return 0;
+    }
+    return AddNodeToMainScene(node) && in.GetPosition() <= loading.header.nodes.End();
+}
+
+int LoadNodes(Loading& loading) {
+    const Section& section = loading.header.nodes;
+    if (loading.in.SetPosition(section.offset, 0) != 0) return 0;
+    for (std::uint32_t i = 0; i < loading.header.numNodes; ++i)
+        if (!LoadNodeRecord(loading)) return 0;
+    return loading.in.GetPosition() == section.End();
+}
+
+// Records come parents first; the scene takes the table's order back. Each table name claims
+// the earliest loaded node of that name not yet claimed, so repeated names pair up too.
+int PutNodesInTableOrder(unsigned long version) {
+    const int count = MainScene.NumNodes();
+    std::unordered_map<std::string, std::vector<int>> byName;  // latest first
+    for (int i = count - 1; i >= 0; --i) byName[MainScene.GetNodeAt(i)->GetName()].push_back(i);
+    cbitarray order(count);
+    for (int k = 0; k < count; ++k) {
+        const auto found = byName.find(RecordName(NodeList::GetNameAt(k), version));
+        if (found == byName.end() || found->second.empty()) return 0;
+        order.Set(k, found->second.back());
+        found->second.pop_back();
+    }
+    return MainScene.SetNodeOrder(order);
+}
+
+std::unordered_set<std::string> TableNodeNames(unsigned long version) {
+    std::unordered_set<std::string> names;
+    for (int i = 0; i < NodeList::NumNodes(); ++i)
+        names.insert(RecordName(NodeList::GetNameAt(i), version));
+    return names;
+}
+
+void ApplyClock(const Header& header) {
+    SetAnimTPF(Signed(header.animTPF));
+    // The start first goes to 0 so that no old value clamps the new end.
+    SetAnimStart(0);
+    SetAnimEnd(Signed(header.animEnd));
+    SetAnimStart(Signed(header.animStart));
+    SetAnimTime(Signed(header.animTime));
+}
+
+// The file's name tables, held by NodeList and MtlList while its records are read.
+class NameTables {
+public:
+    explicit NameTables(cio_load& in)
+        : ok(NodeList::ReadNodeNames(in) && MtlList::ReadMaterialNames(in)) {}
+    ~NameTables() {
+        NodeList::Clear();
+        MtlList::Clear();
+    }
+    NameTables(const NameTables&) = delete;
+    NameTables& operator=(const NameTables&) = delete;
+
+    const bool ok;
+};
+
+// While alive, MainScene holds only what is being loaded and its old nodes and materials wait
+// in `aside`. Unless committed, the destructor swaps them back and the partly loaded ones die
+// with `aside`; once committed, the old ones die with it instead.
+class SceneTransaction {
+public:
+    SceneTransaction() { MainScene.SwapNodesAndMaterials(aside); }
+    ~SceneTransaction() {
+        if (!committed) MainScene.SwapNodesAndMaterials(aside);
+    }
+    SceneTransaction(const SceneTransaction&) = delete;
+    SceneTransaction& operator=(const SceneTransaction&) = delete;
+
+    void Commit() { committed = true; }
+
+private:
+    cscene aside;
+    bool committed = false;
+};
+
+int LoadProject(char const* path) {
+    cio_load in;
+    Header header;
+    if (!path || in.Open(path) != 0 || !ReadHeader(in, header)) return 0;
+    const NameTables tables(in);
+    SceneSettings settings;
+    if (!tables.ok || !ReadSettings(in, header.settings, settings)) return 0;
+    Loading loading{in, header, TableNodeNames(header.version)};
+
+    SceneTransaction transaction;
+    if (!LoadMaterials(loading) || !LoadNodes(loading) || !PutNodesInTableOrder(header.version))
+        return 0;
+    transaction.Commit();
+    ApplySettings(settings, MainScene);
+    ApplyClock(header);
+    MainScene.UpdateNodesAtAnimTimeChange();
+    MainScene.UpdateMiscAtAnimTimeChange();
+    return 1;
+}
+
+// ---- Saving ----
+
+// The scene's nodes parents first, each followed by its descendants in child order, so that
+// loading rebuilds every children list in the same order.
+std::vector<cnode*> RecordOrder() {
+    cbitarray order;
+    const int count = MainScene.GetNodesHierarchy(order);
+    std::vector<cnode*> nodes;
+    nodes.reserve(static_cast<size_t>(count));
+    for (int k = 0; k < count; ++k) nodes.push_back(MainScene.GetNodeAt(order[k]));
+    return nodes;
+}
+
+// 1 when LoadProjectFile will accept the records in this order: every parent name that some
+// node of the scene bears is borne by an earlier record. A looping parent chain fails this.
+int ParentsComeFirst(const std::vector<cnode*>& nodes) {
+    std::unordered_set<std::string> all, earlier;
+    for (const cnode* node : nodes) all.insert(node->GetName());
+    for (const cnode* node : nodes) {
+        const cnode* parent = node->GetParent();
+        char const* name = parent ? parent->GetName() : "";
+        if (*name && all.count(name) && !earlier.count(name)) return 0;
+        earlier.insert(node->GetName());
+    }
+    return 1;
+}
+
+int WriteMaterials(cio_save& out) {
+    for (int i = 0; i < MainScene.NumMaterials(); ++i) {
+        const cmaterial& material = *MainScene.GetMaterialAt(i);
+        if (!WriteSized(out, [&] { return WriteMaterialRecord(out, material); })) return 0;
+    }
+    return 1;
+}
+
+int WriteNodes(cio_save& out, const std::vector<cnode*>& nodes) {
+    for (const cnode* node : nodes) {
+        const auto type = static_cast<std::uint32_t>(node->GetTypeID());
+        const auto subType = static_cast<std::uint32_t>(node->GetSubTypeID());
+        if (!WriteUInt32(out, type) || !WriteUInt32(out, subType) || !node->Save(out)) return 0;
+    }
+    return 1;
+}
+
+// Writes the whole file; `end` receives its length.
+int WriteProject(cio_save& out, const std::vector<cnode*>& nodes, SceneSettings& settings,
+                 std::uint32_t& end) {
+    Header header;
+    header.version = PROJECT_VERSION;
+    header.numNodes = static_cast<std::uint32_t>(MainScene.NumNodes());
+    header.numMaterials = static_cast<std::uint32_t>(MainScene.NumMaterials());
+    header.animStart = static_cast<std::uint32_t>(GetAnimStart());
+    header.animEnd = static_cast<std::uint32_t>(GetAnimEnd());
+    header.animTime = static_cast<std::uint32_t>(GetAnimTime());
+    header.animTPF = static_cast<std::uint32_t>(GetAnimTPF());
+    const auto nodeName = [](int i) { return MainScene.GetNodeAt(i)->GetName(); };
+    const auto materialName = [](int i) { return MainScene.GetMaterialAt(i)->GetName(); };
+    return out.Skip(0, PROJECT_HEADER_SIZE) && PositionWord(out, header.nodeTable) &&
+           WriteNameTable(out, MainScene.NumNodes(), nodeName) &&
+           PositionWord(out, header.materialTable) &&
+           WriteNameTable(out, MainScene.NumMaterials(), materialName) &&
+           WriteSection(out, header.settings,
+                        [&] { return ForEachSetting(settings, WriteField{out}); }) &&
+           WriteSection(out, header.materials, [&] { return WriteMaterials(out); }) &&
+           WriteSection(out, header.nodes, [&] { return WriteNodes(out, nodes); }) &&
+           PositionWord(out, end) && WriteHeader(out, header);
+}
+
+// 1 when the file at `path` is exactly `size` bytes long: the stream reports no failed flush,
+// so a short file is how a full disk shows.
+int HasSize(char const* path, std::uint32_t size) {
+    cio_load in;
+    return in.Open(path) == 0 && in.Size() == static_cast<long>(size);
+}
+
+int SaveProject(char const* path) {
+    if (!path || !*path) return 0;
+    const std::vector<cnode*> nodes = RecordOrder();
+    if (!ParentsComeFirst(nodes)) return 0;
+    SceneSettings settings = SettingsOf(MainScene);
+    const std::string written = std::string(path) + ".saving";
+    std::uint32_t end = 0;
+    int ok = 0;
+    {
+        cio_save out;
+        if (out.Open(written.c_str()) != 0) return 0;
+        ok = WriteProject(out, nodes, settings, end);
+    }
+    ok = ok && HasSize(written.c_str(), end) && std::rename(written.c_str(), path) == 0;
+    if (!ok) std::remove(written.c_str());
+    return ok;
+}
+
+}  // namespace
+
+int SaveProjectFile(char const* path) {
+    try {
+        return SaveProject(path);
+    } catch (...) {
+        // Only running out of memory throws, and only before the file is opened.
+        return 0;
+    }
+}
+
+int LoadProjectFile(char const* path) {
+    try {
+        return LoadProject(path);
+    } catch (...) {
+        // The transaction has put the old scene back while the exception passed.
+        return 0;
+    }
+}
+
+int ReadProjectInfo(char const* path, ProjectInfo* info) {
+    cio_load in;
+    Header header;
+    if (!path || !info || in.Open(path) != 0 || !ReadHeader(in, header)) return 0;
+    info->version = header.version;
+    info->numNodes = static_cast<int>(header.numNodes);
+    info->numMaterials = static_cast<int>(header.numMaterials);
+    info->animStart = Signed(header.animStart);
+    info->animEnd = Signed(header.animEnd);
+    info->animTime = Signed(header.animTime);
+    info->animTPF = Signed(header.animTPF);
+    return 1;
+}
