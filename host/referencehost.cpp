@@ -1,8 +1,8 @@
 #include "referencehost.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
+
+#include "projectfile.h"
 
 namespace {
 
@@ -24,25 +24,38 @@ bool ValidView(int view) {
     return view >= 0 && view < ReferenceHost::kViewCount;
 }
 
-template <class T>
-int IndexOf(const std::vector<T*>& list, T* item) {
-    const auto it = std::find(list.begin(), list.end(), item);
-    return it == list.end() ? -1 : static_cast<int>(it - list.begin());
+// Views stop looking through `camera` (every camera when null): the node is going away.
+void ForgetCamera(const cnode* camera) {
+    for (ReferenceHost::View& view : S().views)
+        if (!camera || view.camera == camera) view.camera = nullptr;
 }
 
-template <class T>
-void Erase(std::vector<T*>& list, T* item) {
-    list.erase(std::remove(list.begin(), list.end(), item), list.end());
+// What a windowed host does after its time slider moved: the nodes re-evaluate their
+// transforms at the new time, then the rest of the scene's time-dependent state follows.
+void FollowClock() {
+    MainScene.UpdateNodesAtAnimTimeChange();
+    MainScene.UpdateMiscAtAnimTimeChange();
 }
 
-template <class T>
-void AddOnce(std::vector<T*>& list, T* item) {
-    if (item && IndexOf(list, item) < 0) list.push_back(item);
+// Splits "folder/name" into the project's folder and name; the project now has a file.
+void SetProjectFile(char const* pathName) {
+    const std::string full = pathName ? pathName : "";
+    const size_t slash = full.find_last_of("/\\");
+    S().projectPath = slash == std::string::npos ? std::string() : full.substr(0, slash);
+    S().projectName = slash == std::string::npos ? full : full.substr(slash + 1);
+    S().hasFile = !full.empty();
 }
 
-template <class T>
-T* At(const std::vector<T*>& list, int index) {
-    return index >= 0 && index < static_cast<int>(list.size()) ? list[index] : nullptr;
+std::string ProjectFile() {
+    const ReferenceHost::State& s = S();
+    return s.projectPath.empty() ? s.projectName : s.projectPath + "/" + s.projectName;
+}
+
+// Writes MainScene to `path`; on success the project takes that file.
+int SaveTo(char const* path) {
+    if (!path || !*path || !SaveProjectFile(path)) return 0;
+    SetProjectFile(path);
+    return 1;
 }
 
 }  // namespace
@@ -51,6 +64,8 @@ T* At(const std::vector<T*>& list, int index) {
 #define RECORD() Host().Record(__func__)
 
 namespace callbacks {
+
+// ---- The application: version, windows, dialogs, the image window ----
 
 unsigned long I_GetAppVersion() {
     return RECORD(), S().appVersion;
@@ -94,114 +109,138 @@ int I_ShowRawImage(void*, void*, int, int, int, int, int) {
     return RECORD(), S().imageWindowWidth > 0;
 }
 
-void I_AddNodeArrayToScene(cnode** nodes, int count, int) {
-    RECORD();
-    for (int i = 0; i < count; ++i) AddOnce(S().nodes, nodes[i]);
+// ---- The scene: MainScene ----
+
+void I_AddNodeArrayToScene(cnode** nodes, int count, int flag) {
+    RECORD(), MainScene.AddNodeArray(nodes, count, flag);
 }
-void I_AddMatArrayToScene(cmaterial** materials, int count, int) {
-    RECORD();
-    for (int i = 0; i < count; ++i) AddOnce(S().materials, materials[i]);
+void I_AddMatArrayToScene(cmaterial** materials, int count, int flag) {
+    RECORD(), MainScene.AddMaterialArray(materials, count, flag);
 }
-void I_AddNodeToScene(cnode* node, int) {
-    RECORD(), AddOnce(S().nodes, node);
+void I_AddNodeToScene(cnode* node, int flag) {
+    RECORD(), MainScene.AddNode(node, flag);
 }
+// The node is handed back to the caller, who keeps it (for undo) or deletes it.
 void I_RemoveNodeFromScene(cnode* node, int) {
-    RECORD();
-    Erase(S().nodes, node);
-    Erase(S().selected, node);
-    Erase(S().hidden, node);
+    RECORD(), MainScene.RemoveNode(node);
 }
-void I_AddMatToScene(cmaterial* material, int) {
-    RECORD(), AddOnce(S().materials, material);
+void I_AddMatToScene(cmaterial* material, int flag) {
+    RECORD(), MainScene.AddMaterial(material, flag);
 }
 cnode* I_GetSelNode() {
-    return RECORD(), S().selected.size() == 1 ? S().selected[0] : nullptr;
+    return RECORD(), MainScene.GetSelNode();
 }
 int I_FindNode(cnode* node) {
-    return RECORD(), IndexOf(S().nodes, node);
+    return RECORD(), MainScene.Find(node);
 }
-// Scene objects are named by the scene graph; this host keeps only pointers, so no name
-// matches until it hands its lists to the scene.
-cnode* I_FindNodeByName(char const*) {
-    return RECORD(), nullptr;
+cnode* I_FindNodeByName(char const* name) {
+    return RECORD(), MainScene.FindNode(name);
 }
 cnode* I_GetNodeAt(int index) {
-    return RECORD(), At(S().nodes, index);
+    return RECORD(), MainScene.GetNodeAt(index);
 }
 int I_FindMaterial(cmaterial* material) {
-    return RECORD(), IndexOf(S().materials, material);
+    return RECORD(), MainScene.Find(material);
 }
-cmaterial* I_FindMaterialByName(char const*) {
-    return RECORD(), nullptr;
+cmaterial* I_FindMaterialByName(char const* name) {
+    return RECORD(), MainScene.FindMaterial(name);
 }
 cmaterial* I_GetMaterialAt(int index) {
-    return RECORD(), At(S().materials, index);
+    return RECORD(), MainScene.GetMaterialAt(index);
 }
-int I_IsMaterialUsed(cmaterial*) {
-    return RECORD(), 0;
+int I_IsMaterialUsed(cmaterial* material) {
+    return RECORD(), MainScene.IsMaterialUsed(material);
 }
 void I_SetSceneAmbient(ccolor const& color) {
-    RECORD(), S().ambient = color;
+    RECORD(), MainScene.SetAmbient(color);
 }
 ccolor I_GetSceneAmbient() {
-    return RECORD(), S().ambient;
+    return RECORD(), MainScene.GetAmbient();
 }
 void I_SetSceneBkColor(ccolor const& color) {
-    RECORD(), S().background = color;
+    RECORD(), MainScene.SetBkColor(color);
 }
 ccolor I_GetSceneBkColor() {
-    return RECORD(), S().background;
+    return RECORD(), MainScene.GetBkColor();
 }
 cimage* I_GetSceneBkImage() {
-    return RECORD(), nullptr;
+    return RECORD(), MainScene.GetBkImage();
 }
 void I_SetFogValues(cpoint3 const& color, float start, float end, float density) {
-    RECORD();
-    S().fogColor = color;
-    S().fogStart = start;
-    S().fogEnd = end;
-    S().fogDensity = density;
+    RECORD(), MainScene.SetFogValues(color, start, end, density);
 }
 void I_GetFogValues(cpoint3& color, float& start, float& end, float& density) {
-    RECORD();
-    color = S().fogColor;
-    start = S().fogStart;
-    end = S().fogEnd;
-    density = S().fogDensity;
+    RECORD(), MainScene.GetFogValues(color, start, end, density);
 }
 void I_EnableFog(int on) {
-    RECORD(), S().fogEnabled = on;
+    RECORD(), MainScene.EnableFog(on);
 }
 int I_IsFogEnabled() {
-    return RECORD(), S().fogEnabled;
+    return RECORD(), MainScene.IsFogEnabled();
 }
 int I_GetSubLevel() {
-    return RECORD(), S().subLevel;
+    return RECORD(), MainScene.GetSubLevel();
 }
 cpoint3 I_GetSelCenter() {
-    return RECORD(), cpoint3();
+    return RECORD(), MainScene.GetSelCenter();
 }
 void I_Select(cnode* node) {
-    RECORD();
-    if (IndexOf(S().hidden, node) < 0) AddOnce(S().selected, node);
+    RECORD(), MainScene.Select(node);
 }
 void I_Deselect(cnode* node) {
-    RECORD(), Erase(S().selected, node);
+    RECORD(), MainScene.Deselect(node);
 }
 void I_DeselectAll() {
-    RECORD(), S().selected.clear();
+    RECORD(), MainScene.DeselectAll();
 }
 void I_Hide(cnode* node) {
-    RECORD();
-    Erase(S().selected, node);  // a hidden object is never selected
-    AddOnce(S().hidden, node);
+    RECORD(), MainScene.Hide(node);
 }
 void I_Unhide(cnode* node) {
-    RECORD(), Erase(S().hidden, node);
+    RECORD(), MainScene.Unhide(node);
 }
 void I_UnhideAll() {
-    RECORD(), S().hidden.clear();
+    RECORD(), MainScene.UnhideAll();
 }
+void I_CopyNotes(char const* text, int length) {
+    RECORD(), MainScene.CopyNotes(text, length);
+}
+void I_AddNotes(char const* text, int length) {
+    RECORD(), MainScene.AddNotes(text, length);
+}
+void I_ClearNotes() {
+    RECORD(), MainScene.ClearNotes();
+}
+char* I_GetNotes() {
+    return RECORD(), MainScene.GetNotes();
+}
+int I_NotesSize() {
+    return RECORD(), MainScene.NotesSize();
+}
+int I_PickFromList(unsigned int, unsigned int, char*, char*, int (*)(cnode*), void (*)(cnode*)) {
+    return RECORD(), 0;
+}
+
+// ---- The clock: the library's, followed by the scene ----
+
+void I_ResetAnim() {
+    RECORD(), ResetAnim(), FollowClock();
+}
+void I_SetAnimTime(int t) {
+    RECORD(), SetAnimTime(t), FollowClock();
+}
+void I_SetAnimStart(int t) {
+    RECORD(), SetAnimStart(t), FollowClock();
+}
+void I_SetAnimEnd(int t) {
+    RECORD(), SetAnimEnd(t), FollowClock();
+}
+void I_SetAnimTPF(int ticks) {
+    RECORD(), SetAnimTPF(ticks), FollowClock();
+}
+
+// ---- The views: kept by the host, never drawn ----
+
 void I_UpdateViews() {
     RECORD(), ++S().updateViewsCount;
 }
@@ -213,42 +252,6 @@ CGLWindow* I_GetActiveGLView() {
 }  // headless: no GL viewports
 CGLWindow* I_GetGLView(int) {
     return RECORD(), nullptr;
-}
-void I_CopyNotes(char const* text, int length) {
-    RECORD();
-    S().notes.assign(text ? text : "", text && length > 0 ? static_cast<size_t>(length) : 0);
-}
-void I_AddNotes(char const* text, int length) {
-    RECORD();
-    if (text && length > 0) S().notes.append(text, static_cast<size_t>(length));
-}
-void I_ClearNotes() {
-    RECORD(), S().notes.clear();
-}
-char* I_GetNotes() {
-    return RECORD(), &S().notes[0];
-}
-int I_NotesSize() {
-    return RECORD(), static_cast<int>(S().notes.size());
-}
-int I_PickFromList(unsigned int, unsigned int, char*, char*, int (*)(cnode*), void (*)(cnode*)) {
-    return RECORD(), 0;
-}
-// The clock setters reach the library's clock; a windowed host would also move its slider.
-void I_ResetAnim() {
-    RECORD(), ResetAnim();
-}
-void I_SetAnimTime(int t) {
-    RECORD(), SetAnimTime(t);
-}
-void I_SetAnimStart(int t) {
-    RECORD(), SetAnimStart(t);
-}
-void I_SetAnimEnd(int t) {
-    RECORD(), SetAnimEnd(t);
-}
-void I_SetAnimTPF(int ticks) {
-    RECORD(), SetAnimTPF(ticks);
 }
 void I_FocusViews(int, int) {
     RECORD(), ++S().updateViewsCount;
@@ -299,26 +302,37 @@ void I_RemoveCameraFromView(int view, int) {
     RECORD();
     if (ValidView(view)) S().views[view].camera = nullptr;
 }
+
+// ---- The project: MainScene in a project file ----
+
+// A new, empty, untitled scene with the clock at its defaults and animation mode off.
 void I_New(int, int, int) {
     RECORD();
-    S().nodes.clear();
-    S().materials.clear();
-    S().selected.clear();
-    S().hidden.clear();
-    S().notes.clear();
-    S().projectName = "Untitled";
+    ForgetCamera(nullptr);
+    MainScene.Clear();
     ResetAnim();
+    SetAnimOn(0);
+    S().projectName = "Untitled";
+    S().projectPath.clear();
+    S().hasFile = false;
 }
-// Project files belong to the scene; this host has none to open or write yet.
-int I_Open(char const*) {
-    return RECORD(), 0;
+// On success the scene and the clock are the file's and the project takes the file; on
+// failure all three stay as they were.
+int I_Open(char const* path) {
+    RECORD();
+    if (!path || !*path || !LoadProjectFile(path)) return 0;
+    ForgetCamera(nullptr);  // the nodes the views looked through are gone
+    SetProjectFile(path);
+    return 1;
 }
 int I_Save() {
-    return RECORD(), 0;
+    RECORD();
+    return S().hasFile ? SaveTo(ProjectFile().c_str()) : 0;
 }
-int I_SaveAs(char const*) {
-    return RECORD(), 0;
+int I_SaveAs(char const* path) {
+    return RECORD(), SaveTo(path);
 }
+// Importers and exporters are plug-ins the headless host does not load.
 void I_Import() {
     RECORD();
 }
@@ -332,16 +346,10 @@ int I_ExportFile(char const*, cexportinterface*) {
     return RECORD(), 0;
 }
 void I_SetProjectPathName(char const* pathName) {
-    RECORD();
-    const std::string full = pathName ? pathName : "";
-    const size_t slash = full.find_last_of("/\\");
-    S().projectPath = slash == std::string::npos ? std::string() : full.substr(0, slash);
-    S().projectName = slash == std::string::npos ? full : full.substr(slash + 1);
+    RECORD(), SetProjectFile(pathName);
 }
 int I_GetProjectPathName(char* out) {
-    RECORD();
-    const std::string& path = S().projectPath;
-    return CopyOut(path.empty() ? S().projectName : path + "/" + S().projectName, out);
+    return RECORD(), CopyOut(ProjectFile(), out);
 }
 void I_SetProjectName(char const* name) {
     RECORD(), S().projectName = name ? name : "";
@@ -359,9 +367,11 @@ int I_MirrorDlg(void (*)(int, int)) {
     return RECORD(), 0;
 }
 
+// ---- Hooks ----
+
 void InformDeleted(cnode* node) {
     Host().Record("Application_InformDeleted");
-    I_RemoveNodeFromScene(node, 0);
+    if (node) ForgetCamera(node);
 }
 void ContinueAfterAssert() {
     Host().CountFailedAssertion();

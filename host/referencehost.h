@@ -1,10 +1,13 @@
 // The reference host: a complete, headless implementation of the host side of Orvane Core.
 //
 // It shows what a host has to do before it may call CoreInit: write path_app, store every
-// I_* callback, Application_InformDeleted and (optionally) _AbortApp. It keeps the host's own
-// state (views, project names, notes, scene settings, the list of scene objects it was
-// handed) in memory, answers dialogs as a user who cancels would, routes the clock setters to
-// the library's clock, and records the name of every callback the library calls.
+// I_* callback, Application_InformDeleted and (optionally) _AbortApp. Every scene callback
+// acts on the library's one scene, MainScene; the clock setters move the library's clock and
+// then make the scene's nodes follow, as a windowed host does after its time slider moves;
+// New, Open, Save and SaveAs clear, load and write MainScene through the project file. The
+// host itself keeps only what a host owns: its views, the project's name and folder, and the
+// image window. Dialogs answer as a user who cancels would. The name of every callback the
+// library calls is recorded.
 #ifndef ORVANE_HOST_REFERENCEHOST_H
 #define ORVANE_HOST_REFERENCEHOST_H
 
@@ -23,7 +26,7 @@ public:
 
     // Resets the host's state, writes `appFolder` into path_app and fills the whole callback
     // table and the hooks. `abortOnAssert` false installs an _AbortApp hook that counts the
-    // failed assertions and lets the library carry on.
+    // failed assertions and lets the library carry on. MainScene is left as it is.
     void Install(char const* appFolder, bool abortOnAssert = true);
 
     // Clears the callback table and the hooks again (every pointer back to null).
@@ -34,31 +37,24 @@ public:
     void ClearCalls() { calls_.clear(); }
     int FailedAssertions() const { return failedAssertions_; }
 
-    // The host-side state the callbacks read and write.
+    // The host-side state the callbacks read and write. The scene is not here: it is
+    // MainScene's.
     struct View {
         bool enabled = true;
         bool maximized = false;
-        cnode* camera = nullptr;
+        cnode* camera = nullptr;  // a node of MainScene the view looks through, or null
     };
     struct State {
         unsigned long appVersion = 0x00010000;  // 1.0, high word major, low word minor
         int jpegQuality = 75;
         int imageWindowWidth = 0, imageWindowHeight = 0;  // 0 when the image window is closed
-        std::vector<cnode*> nodes;
-        std::vector<cmaterial*> materials;
-        std::vector<cnode*> selected;
-        std::vector<cnode*> hidden;
-        ccolor ambient{0.1f, 0.1f, 0.1f};
-        ccolor background{0.0f, 0.0f, 0.0f};
-        cpoint3 fogColor{0.5f, 0.5f, 0.5f};
-        float fogStart = 0.0f, fogEnd = 1000.0f, fogDensity = 1.0f;
-        int fogEnabled = 0;
-        int subLevel = 0;
-        std::string notes;
         View views[kViewCount];
         int activeView = 0;
+        // The project is the file projectPath/projectName once hasFile is set (by Open,
+        // SaveAs or SetProjectPathName); before that Save has nowhere to write.
         std::string projectName = "Untitled";
         std::string projectPath;
+        bool hasFile = false;
         int updateViewsCount = 0;
     };
     State& GetState() { return state_; }

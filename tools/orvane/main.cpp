@@ -1,12 +1,20 @@
 // orvane: the command-line host of Orvane Core.
 //
-// `orvane demo` does what every host does before it uses the library (application folder,
-// callback table, CoreInit), then exercises the library: the animation clock through the
-// Interface facade, a transform, and a record written with the object stream and read back.
+// Every command first does what every host does before it uses the library: the application
+// folder, the callback table (the reference host's, over MainScene) and CoreInit. Then
+//   demo  builds a small animated hierarchy through the host and the library, saves it as a
+//         project file, empties the scene, loads the file back and shows where the nodes are
+//         at a few times;
+//   info  loads any project file and describes its scene.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "Core.h"
 #include "referencehost.h"
@@ -17,13 +25,20 @@ constexpr char kUsage[] =
     "usage: orvane <command> [options]\n"
     "\n"
     "commands:\n"
-    "  demo [--record FILE]   start the library as a host does and run the built-in demo;\n"
-    "                         the demo record is written to FILE (default: a file in the\n"
-    "                         system's temporary folder)\n"
+    "  demo [--project FILE]  build a small animated scene through the host, save it as a\n"
+    "                         project file (default: demo.orv in the system's temporary\n"
+    "                         folder), load it back into an empty scene and print the node\n"
+    "                         tree with world transforms at times 0, 40 and 80\n"
+    "  info FILE              load a project file and print its scene: nodes with their\n"
+    "                         types, parents, key counts, materials and world transforms at\n"
+    "                         the current time, and the materials\n"
     "  --help                 show this text\n";
 
 int PrintProgress(char* text) {
     return std::fputs(text, stdout);
+}
+int IgnoreProgress(char*) {
+    return 0;
 }
 
 // The folder that holds this executable: the application folder a host gives the library.
@@ -33,106 +48,239 @@ std::string ExecutableFolder() {
     return error ? std::string(".") : self.parent_path().string();
 }
 
-// The demo record: what a scene object's record looks like, field by field.
-struct DemoRecord {
-    char name[NAME_FIELD_SIZE] = "Teapot1";
-    int flags = 0x1;
-    cpoint3 position{12.5f, -3.0f, 40.0f};
-    cquat rotation = QuatFromAngleAxis(90.0f, cpoint3(0.0f, 0.0f, 1.0f));
-    ccolor color{255, 128, 0};
-    std::string notes = "Made by the orvane demo.";
-};
-
-int WriteRecord(const std::string& file, const DemoRecord& record) {
-    cio_save out;
-    if (out.Open(file.c_str()) != 0) return 0;
-    const int ok = WriteName(out, record.name, NAME_FIELD_SIZE) && WriteInt32(out, record.flags) &&
-                   WritePoint3(out, record.position) && WriteQuat(out, record.rotation) &&
-                   WriteColor(out, record.color) && WriteText(out, record.notes);
-    out.Close();
-    return ok;
+// Installs the reference host and starts the library, printing its progress when asked.
+void StartLibrary(bool showProgress) {
+    ReferenceHost::Instance().Install(ExecutableFolder().c_str());
+    CoreInit(showProgress ? PrintProgress : IgnoreProgress);
 }
 
-int ReadRecord(const std::string& file, DemoRecord& record, long& size) {
-    cio_load in;
-    if (in.Open(file.c_str()) != 0) return 0;
-    size = in.Size();
-    const int ok = ReadName(in, record.name, NAME_FIELD_SIZE) && ReadInt32(in, record.flags) &&
-                   ReadPoint3(in, record.position) && ReadQuat(in, record.rotation) &&
-                   ReadColor(in, record.color) && ReadText(in, record.notes) && in.BytesLeft() == 0;
-    in.Close();
-    return ok;
+void StopLibrary() {
+    Interface::New(0, 0, 0);  // the scene's nodes and materials are destroyed with it
+    CoreFini();
+    ReferenceHost::Instance().Uninstall();
+}
+
+// ---- Printing the scene ----
+
+char const* TypeName(unsigned long type) {
+    static char const* const kNames[] = {"?",      "node", "mesh",  "light", "bone",
+                                         "camera", "skin", "shape", "gizmo"};
+    return type < sizeof(kNames) / sizeof(kNames[0]) ? kNames[type] : "?";
+}
+
+// Rounds away the float noise that would print as "-0.00".
+float Tidy(float v) {
+    return std::fabs(v) < 0.005f ? 0.0f : v;
+}
+
+std::string Triple(const cpoint3& p) {
+    char text[96];
+    std::snprintf(text, sizeof text, "(%.2f, %.2f, %.2f)", Tidy(p.x), Tidy(p.y), Tidy(p.z));
+    return text;
+}
+
+// The depth of `node` below its topmost ancestor.
+int Depth(const cnode* node) {
+    int depth = 0;
+    for (const cnode* p = node->GetParent(); p && depth < MainScene.NumNodes(); p = p->GetParent())
+        ++depth;
+    return depth;
+}
+
+// Calls `visit` on every node of MainScene, parents before their children.
+template <class Visit>
+void ForEachNodeInTree(Visit visit) {
+    cbitarray order;
+    const int count = MainScene.GetNodesHierarchy(order);
+    for (int k = 0; k < count; ++k) visit(*MainScene.GetNodeAt(order[k]));
+}
+
+// One line per node: the name indented by its depth, then its world position and rotation
+// (Euler angles X, then Y, then Z, in degrees) at `time`.
+void PrintPoses(int time) {
+    ForEachNodeInTree([time](const cnode& node) {
+        const int indent = 2 * Depth(&node);
+        std::printf("    %*s%-*s position %-26s rotation %s\n", indent, "", std::max(1, 8 - indent),
+                    node.GetName(), Triple(node.GetPosition(time)).c_str(),
+                    Triple(QuatToEuler(node.GetRotation(time))).c_str());
+    });
+}
+
+char const* MaterialName(const cnode& node) {
+    const cmaterial* material = node.GetMaterial();
+    return material ? material->GetName() : "none";
+}
+
+// Each node's identity, place, keys and material, then its world transform at `time`.
+void PrintNodeDetails(int time) {
+    ForEachNodeInTree([time](const cnode& node) {
+        const cnode* parent = node.GetParent();
+        std::printf("  %s\n", node.GetName());
+        std::printf("    type %s, parent %s, %d keys, material %s\n", TypeName(node.GetTypeID()),
+                    parent ? parent->GetName() : "none", node.GetAnimPtr()->NumKeys(),
+                    MaterialName(node));
+        std::printf("    position %s  rotation %s  scale %s\n",
+                    Triple(node.GetPosition(time)).c_str(),
+                    Triple(QuatToEuler(node.GetRotation(time))).c_str(),
+                    Triple(node.GetScale(time)).c_str());
+    });
+}
+
+void PrintMaterials() {
+    for (int i = 0; i < MainScene.NumMaterials(); ++i) {
+        cmaterial* material = MainScene.GetMaterialAt(i);
+        std::printf("  %s (%s)\n", material->GetName(),
+                    MainScene.IsMaterialUsed(material) ? "used" : "unused");
+    }
+}
+
+// ---- demo ----
+
+cnode* AddNode(char const* name, const cpoint3& position) {
+    auto* node = new cnode(name);
+    Interface::AddToScene(node, 0);
+    node->SetPosition(GetAnimTime(), position);
+    return node;
+}
+
+// A robot arm: Base carries Arm, Arm carries Hand. With animation mode on, each edit writes a
+// key at the current time: the hand flexes from 0 to 80, the arm tilts by time 40, the base slides
+// and turns from 0 to 80. The keys hold transforms relative to the parent, so the children
+// ride along with every move of their parents.
+void BuildDemoScene() {
+    Interface::New(0, 0, 0);
+    Interface::SetAnimOn(1);
+    Interface::SetAnimTime(0);
+    cnode* base = AddNode("Base", cpoint3(0.0f, 0.0f, 0.0f));
+    cnode* arm = AddNode("Arm", cpoint3(0.0f, 0.0f, 20.0f));
+    cnode* hand = AddNode("Hand", cpoint3(0.0f, 0.0f, 60.0f));
+    base->Attach(arm, 1);
+    arm->Attach(hand, 1);
+
+    Interface::SetAnimTime(80);
+    hand->SetRotation(80, QuatFromAngleAxis(30.0f, cpoint3(1.0f, 0.0f, 0.0f)));
+    Interface::SetAnimTime(40);
+    arm->SetRotation(40, QuatFromAngleAxis(90.0f, cpoint3(1.0f, 0.0f, 0.0f)));
+    Interface::SetAnimTime(80);
+    base->SetPosition(80, cpoint3(100.0f, 0.0f, 0.0f));
+    base->SetRotation(80, QuatFromAngleAxis(90.0f, cpoint3(0.0f, 0.0f, 1.0f)));
+    Interface::SetAnimOn(0);
+    Interface::ResetAnim();
+
+    // The materials travel with the project. Plain nodes carry no material (meshes do), so
+    // both stay unused here.
+    Interface::AddToScene(new cmaterial("Steel"), 0);
+    Interface::AddToScene(new cmaterial("Rubber"), 0);
+    Interface::CopyNotes("A robot arm made by orvane demo.", 32);
+}
+
+// The callbacks the demo's calls through the Interface facade reached, in order of first call,
+// with their counts.
+void PrintCallbackSummary() {
+    std::vector<std::string> order;
+    std::map<std::string, int> counts;
+    for (const std::string& call : ReferenceHost::Instance().Calls())
+        if (counts[call]++ == 0) order.push_back(call);
+    std::printf("\nThe host answered %zu callbacks:", ReferenceHost::Instance().Calls().size());
+    for (const std::string& call : order) std::printf(" %s (%d)", call.c_str(), counts[call]);
+    std::printf("\n");
 }
 
 void ShowClock() {
     std::printf("\nAnimation clock (set through the host, read from the library):\n");
     Interface::SetAnimEnd(200);
     Interface::SetAnimTime(250);
-    std::printf(
-        "  Interface::SetAnimEnd(200), SetAnimTime(250) -> time %d of %d..%d, %d ticks/frame\n",
-        Interface::GetAnimTime(), Interface::GetAnimStart(), Interface::GetAnimEnd(),
-        Interface::GetAnimTPF());
-    Interface::ResetAnim();
+    std::printf("  SetAnimEnd(200), SetAnimTime(250) -> time %d of %d..%d, %d ticks per frame\n",
+                Interface::GetAnimTime(), Interface::GetAnimStart(), Interface::GetAnimEnd(),
+                Interface::GetAnimTPF());
 }
 
-void ShowTransform() {
-    std::printf("\nTransforms (row vectors, degrees, Euler X then Y then Z):\n");
-    cmatrix4 move;
-    move.FromTranslation(cpoint3(1.0f, 2.0f, 3.0f));
-    const cmatrix4 m = MatrixFromEuler(cpoint3(0.0f, 0.0f, 90.0f)) * move;
-    const cpoint3 p = cpoint3(1.0f, 0.0f, 0.0f) * m;
-    std::printf("  (1, 0, 0) rotated 90 about Z, then moved by (1, 2, 3) -> (%.3f, %.3f, %.3f)\n",
-                p.x, p.y, p.z);
-    const cpoint3 euler = QuatToEuler(EulerToQuat(cpoint3(10.0f, 20.0f, 30.0f)));
-    std::printf("  Euler (10, 20, 30) -> quaternion -> Euler (%.3f, %.3f, %.3f)\n", euler.x,
-                euler.y, euler.z);
-}
-
-int ShowRecord(const std::string& file) {
-    std::printf("\nObject stream:\n");
-    const DemoRecord written;
-    if (!WriteRecord(file, written)) {
-        std::fprintf(stderr, "orvane: cannot write %s\n", file.c_str());
+// Saves the scene to `project`, starts a new scene and opens the project again, as a user
+// does through the host's menu. Returns 0 after printing what failed.
+int SaveAndReload(const std::string& project) {
+    if (!Interface::SaveAs(project.c_str())) {
+        std::fprintf(stderr, "orvane: cannot write %s\n", project.c_str());
         return 0;
     }
-    DemoRecord read;
-    std::memset(read.name, 0, sizeof(read.name));
-    read.notes.clear();
-    long size = 0;
-    if (!ReadRecord(file, read, size)) {
-        std::fprintf(stderr, "orvane: cannot read the record back from %s\n", file.c_str());
+    std::error_code error;
+    std::printf("Saved %s (%ju bytes).\n", project.c_str(),
+                static_cast<std::uintmax_t>(std::filesystem::file_size(project, error)));
+    Interface::New(0, 0, 0);
+    std::printf("New scene: %d nodes, %d materials.\n", Interface::NumNodes(),
+                Interface::NumMaterials());
+    if (!Interface::Open(project.c_str())) {
+        std::fprintf(stderr, "orvane: cannot load %s back\n", project.c_str());
         return 0;
     }
-    std::printf("  wrote and read back %s (%ld bytes):\n", file.c_str(), size);
-    std::printf("    name      \"%s\"\n", read.name);
-    std::printf("    flags     0x%x\n", static_cast<unsigned int>(read.flags));
-    std::printf("    position  (%g, %g, %g)\n", read.position.x, read.position.y, read.position.z);
-    std::printf("    rotation  (%g, %g, %g, %g)\n", read.rotation.x, read.rotation.y,
-                read.rotation.z, read.rotation.w);
-    std::printf("    colour    (%g, %g, %g, %g)\n", read.color.r, read.color.g, read.color.b,
-                read.color.a);
-    std::printf("    notes     \"%s\"\n", read.notes.c_str());
+    std::printf("Loaded it back: %d nodes, %d materials.\n", Interface::NumNodes(),
+                Interface::NumMaterials());
     return 1;
 }
 
-int RunDemo(const std::string& recordFile) {
-    ReferenceHost& host = ReferenceHost::Instance();
-    host.Install(ExecutableFolder().c_str());
+int RunDemo(const std::string& project) {
     std::printf("Orvane Core demo\n");
-    std::printf("Application folder: %s\n", GetAppPath());
+    std::printf("Application folder: %s\n", ExecutableFolder().c_str());
     std::printf("Host callbacks filled: %d\n", CORE_HOST_CALLBACK_COUNT);
-    if (CoreInit(PrintProgress) != 1) return 1;
-
+    StartLibrary(true);
     ShowClock();
-    ShowTransform();
-    const int recordOk = ShowRecord(recordFile);
 
-    std::printf("\nThe library called the host %zu times:", host.Calls().size());
-    for (const std::string& call : host.Calls()) std::printf(" %s", call.c_str());
-    std::printf("\n");
-    CoreFini();
-    host.Uninstall();
-    return recordOk ? 0 : 1;
+    BuildDemoScene();
+    int first = 0, last = 0;
+    Interface::GetAnimSeg(&first, &last);
+    std::printf("\nBuilt %d nodes and %d materials with keys from %d to %d.\n",
+                Interface::NumNodes(), Interface::NumMaterials(), first, last);
+    const int reloaded = SaveAndReload(project);
+    if (reloaded) {
+        std::printf("\nWorld transforms (rotation as Euler angles X, Y, Z in degrees):\n");
+        for (int time : {0, 40, 80}) {
+            Interface::SetAnimTime(time);
+            std::printf("  time %d (frame %d)\n", time, time / Interface::GetAnimTPF());
+            PrintPoses(time);
+        }
+        PrintCallbackSummary();
+    }
+    StopLibrary();
+    return reloaded ? 0 : 1;
+}
+
+// ---- info ----
+
+// The scene just loaded from `file`: its totals and clock, the node tree and the materials.
+void PrintProject(const std::string& file) {
+    int first = 0, last = 0;
+    Interface::GetAnimSeg(&first, &last);
+    std::printf("%s: %d nodes, %d materials, keys from %d to %d; time %d of %d..%d\n", file.c_str(),
+                Interface::NumNodes(), Interface::NumMaterials(), first, last,
+                Interface::GetAnimTime(), Interface::GetAnimStart(), Interface::GetAnimEnd());
+    std::printf(
+        "Nodes, parents first (world transform at the current time, rotation as Euler "
+        "angles X, Y, Z in degrees):\n");
+    PrintNodeDetails(Interface::GetAnimTime());
+    std::printf("Materials:\n");
+    PrintMaterials();
+    if (Interface::NotesSize() > 0)
+        std::printf("Notes: %.*s\n", Interface::NotesSize(), Interface::GetNotes());
+}
+
+int RunInfo(const std::string& file) {
+    StartLibrary(false);
+    const int loaded = Interface::Open(file.c_str());
+    if (loaded) {
+        PrintProject(file);
+    } else {
+        std::error_code error;
+        std::fprintf(stderr, "orvane: cannot load %s: %s\n", file.c_str(),
+                     std::filesystem::exists(file, error)
+                         ? "not an Orvane project file, or a damaged one"
+                         : "no such file");
+    }
+    StopLibrary();
+    return loaded ? 0 : 1;
+}
+
+int Usage(char const* problem, char const* what) {
+    std::fprintf(stderr, "orvane: %s '%s'\n\n%s", problem, what, kUsage);
+    return 2;
 }
 
 }  // namespace
@@ -143,17 +291,21 @@ int main(int argc, char** argv) {
         return argc < 2 ? 2 : 0;
     }
     if (std::strcmp(argv[1], "demo") == 0) {
-        std::string record = (std::filesystem::temp_directory_path() / "orvane-demo.rec").string();
+        std::string project = (std::filesystem::temp_directory_path() / "demo.orv").string();
         for (int i = 2; i < argc; ++i) {
-            if (std::strcmp(argv[i], "--record") == 0 && i + 1 < argc) {
-                record = argv[++i];
-            } else {
-                std::fprintf(stderr, "orvane: unknown option '%s'\n\n%s", argv[i], kUsage);
-                return 2;
-            }
+            if (std::strcmp(argv[i], "--project") == 0 && i + 1 < argc)
+                project = argv[++i];
+            else
+                return Usage("unknown option", argv[i]);
         }
-        return RunDemo(record);
+        return RunDemo(project);
     }
-    std::fprintf(stderr, "orvane: unknown command '%s'\n\n%s", argv[1], kUsage);
-    return 2;
+    if (std::strcmp(argv[1], "info") == 0) {
+        if (argc != 3) {
+            std::fprintf(stderr, "orvane: info takes exactly one project file\n\n%s", kUsage);
+            return 2;
+        }
+        return RunInfo(argv[2]);
+    }
+    return Usage("unknown command", argv[1]);
 }
