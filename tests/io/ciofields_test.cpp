@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <sstream>
 #include <string>
 
@@ -18,7 +17,8 @@
 namespace {
 
 // The bytes a sequence of Write calls puts into a fresh file.
-std::string Written(const std::function<void(cio_save&)>& write) {
+template <class Write>
+std::string Written(Write write) {
     TempDir dir;
     cio_save out;
     if (out.Open(dir.File("fields.bin").c_str()) != 0) return "<open failed>";
@@ -46,41 +46,65 @@ std::string Hex(const std::string& digits) {
     return bytes;
 }
 
-std::uint32_t BitsOf(float f) {
-    std::uint32_t bits;
-    std::memcpy(&bits, &f, 4);
-    return bits;
+// Reads one field, expecting success.
+template <class T>
+T ReadBack(cio_load& in, int (*read)(cio_load&, T&)) {
+    T value{};
+    EXPECT_EQ(read(in, value), 1);
+    return value;
 }
 
-float FloatOf(std::uint32_t bits) {
-    float f;
-    std::memcpy(&f, &bits, 4);
-    return f;
+TEST(RecordFields, WriteAndReadLittleEndianBytes) {
+    const std::string bytes =
+        Hex("fe ff ff ff 00 00 00 80 ef be ad de ef be a5 00 00 20 c0 "
+            "00 00 80 3f 00 00 20 c0 00 00 00 3f "
+            "00 00 00 3f 00 00 00 00 00 00 20 c0 00 00 80 3f "
+            "00 00 00 3f 00 00 80 3e 00 00 80 3f 00 00 00 00 03 00 00 00 68 00 69 00 00 00 00");
+    const cquat q = MakeQuat(0.5f, 0.0f, -2.5f, 1.0f);
+    EXPECT_EQ(Written([&](cio_save& o) {
+                  EXPECT_TRUE(WriteInt32(o, -2) && WriteInt32(o, INT_MIN) &&
+                              WriteUInt32(o, 0xDEADBEEFu) && WriteUInt16(o, 0xBEEF) &&
+                              WriteUInt8(o, 0xA5) && WriteFloat(o, -2.5f) &&
+                              WritePoint3(o, cpoint3(1.0f, -2.5f, 0.5f)) && WriteQuat(o, q) &&
+                              WriteColor(o, ccolor(0.5f, 0.25f, 1.0f, 0.0f)) &&
+                              WriteText(o, std::string("h\0i", 3)) && WriteText(o, ""));
+              }),
+              bytes);
+
+    Bytes b(bytes);
+    EXPECT_EQ(ReadBack(b.in, ReadInt32), -2);
+    EXPECT_EQ(ReadBack(b.in, ReadInt32), INT_MIN);
+    EXPECT_EQ(ReadBack(b.in, ReadUInt32), 0xDEADBEEFu);
+    EXPECT_EQ(ReadBack(b.in, ReadUInt16), 0xBEEF);
+    EXPECT_EQ(ReadBack(b.in, ReadUInt8), 0xA5);
+    EXPECT_EQ(ReadBack(b.in, ReadFloat), -2.5f);
+    EXPECT_EQ(ReadBack(b.in, ReadPoint3), cpoint3(1.0f, -2.5f, 0.5f));
+    const cquat r = ReadBack(b.in, ReadQuat);
+    EXPECT_TRUE(r.x == q.x && r.y == q.y && r.z == q.z && r.w == q.w);
+    EXPECT_EQ(ReadBack(b.in, ReadColor), ccolor(0.5f, 0.25f, 1.0f, 0.0f));
+    EXPECT_EQ(ReadBack(b.in, ReadText), std::string("h\0i", 3));
+    std::string empty = "kept";
+    EXPECT_EQ(ReadText(b.in, empty), 1);  // a length of 0 with nothing left
+    EXPECT_EQ(empty, "");
 }
 
-TEST(RecordFields, WriteLittleEndianBytes) {
-    EXPECT_EQ(Written([](cio_save& o) { WriteInt32(o, -2); }), Hex("fe ff ff ff"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteInt32(o, 0x12345678); }), Hex("78 56 34 12"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteUInt32(o, 0xDEADBEEFu); }), Hex("ef be ad de"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteUInt16(o, 0xBEEF); }), Hex("ef be"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteUInt8(o, 0xA5); }), Hex("a5"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteFloat(o, -2.5f); }), Hex("00 00 20 c0"));
-    EXPECT_EQ(Written([](cio_save& o) { WritePoint3(o, cpoint3(1.0f, -2.5f, 0.5f)); }),
-              Hex("00 00 80 3f 00 00 20 c0 00 00 00 3f"));
-    cquat q;
-    q.x = 0.5f, q.y = 0.0f, q.z = -2.5f, q.w = 1.0f;
-    EXPECT_EQ(Written([&](cio_save& o) { WriteQuat(o, q); }),
-              Hex("00 00 00 3f 00 00 00 00 00 00 20 c0 00 00 80 3f"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteColor(o, ccolor(0.5f, 0.25f, 1.0f, 0.0f)); }),
-              Hex("00 00 00 3f 00 00 80 3e 00 00 80 3f 00 00 00 00"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteText(o, std::string("h\0i", 3)); }),
-              Hex("03 00 00 00 68 00 69"));
-    EXPECT_EQ(Written([](cio_save& o) { WriteText(o, ""); }), Hex("00 00 00 00"));
+TEST(RecordFields, FloatsRoundTripBitForBit) {
+    const std::uint32_t patterns[] = {0x80000000u, 0x7FC00001u, 0xFFBADBADu,
+                                      0x7F800001u, 0xFF800000u, 0x00000001u};
+    Bytes b(Written([&](cio_save& o) {
+        for (std::uint32_t bits : patterns) {
+            float f;
+            std::memcpy(&f, &bits, 4);
+            WriteFloat(o, f);
+        }
+    }));
+    for (std::uint32_t bits : patterns) {
+        const float f = ReadBack(b.in, ReadFloat);
+        EXPECT_EQ(std::memcmp(&f, &bits, 4), 0) << std::hex << bits;
+    }
 }
 
 TEST(RecordFields, NamesAreZeroPaddedAndKeepATerminator) {
-    EXPECT_EQ(Written([](cio_save& o) { WriteName(o, "Box01", 64); }),
-              "Box01" + std::string(59, '\0'));
     EXPECT_EQ(Written([](cio_save& o) { WriteName(o, nullptr, 32); }), std::string(32, '\0'));
     const std::string seventy(70, 'n');
     EXPECT_EQ(Written([&](cio_save& o) { WriteName(o, seventy.c_str(), 64); }),
@@ -89,7 +113,6 @@ TEST(RecordFields, NamesAreZeroPaddedAndKeepATerminator) {
 
     Bytes full(std::string(64, 'a') + "Old" + std::string(29, '\0'));
     char name[64];
-    std::memset(name, 'z', sizeof(name));
     EXPECT_EQ(ReadName(full.in, name, 64), 1);
     EXPECT_EQ(std::string(name), std::string(63, 'a'));
     EXPECT_EQ(ReadName(full.in, name, NameFieldSize(12)), 1);
@@ -98,77 +121,22 @@ TEST(RecordFields, NamesAreZeroPaddedAndKeepATerminator) {
     EXPECT_EQ(NameFieldSize(13), 64u);
 }
 
-TEST(RecordFields, ReadDecodesLittleEndianBytes) {
-    Bytes b(
-        Hex("fe ff ff ff 00 00 00 80 ef be ad de ef be a5 00 00 20 c0 "
-            "00 00 80 3f 00 00 20 c0 00 00 00 3f "
-            "00 00 00 3f 00 00 00 00 00 00 20 c0 00 00 80 3f "
-            "00 00 00 3f 00 00 80 3e 00 00 80 3f 00 00 00 00 02 00 00 00 68 69"));
-    int i = 0, min = 0;
-    unsigned int u = 0;
-    unsigned short s = 0;
-    unsigned char c = 0;
-    float f = 0.0f;
-    cpoint3 p;
-    cquat q;
-    ccolor col;
-    std::string text;
-    ASSERT_TRUE(ReadInt32(b.in, i) && ReadInt32(b.in, min) && ReadUInt32(b.in, u) &&
-                ReadUInt16(b.in, s) && ReadUInt8(b.in, c) && ReadFloat(b.in, f) &&
-                ReadPoint3(b.in, p) && ReadQuat(b.in, q) && ReadColor(b.in, col) &&
-                ReadText(b.in, text));
-    EXPECT_EQ(i, -2);
-    EXPECT_EQ(min, INT_MIN);
-    EXPECT_EQ(u, 0xDEADBEEFu);
-    EXPECT_EQ(s, 0xBEEF);
-    EXPECT_EQ(c, 0xA5);
-    EXPECT_EQ(f, -2.5f);
-    EXPECT_EQ(p, cpoint3(1.0f, -2.5f, 0.5f));
-    EXPECT_TRUE(q.x == 0.5f && q.y == 0.0f && q.z == -2.5f && q.w == 1.0f);
-    EXPECT_EQ(col, ccolor(0.5f, 0.25f, 1.0f, 0.0f));
-    EXPECT_EQ(text, "hi");
-    EXPECT_EQ(b.in.BytesLeft(), 0u);
-}
-
-TEST(RecordFields, FloatsRoundTripBitForBit) {
-    const std::uint32_t patterns[] = {0x80000000u, 0x7FC00001u, 0xFFBADBADu, 0x7F800001u,
-                                      0xFF800000u, 0x00000001u, 0x3F800000u};
-    std::string expected;
-    for (std::uint32_t bits : patterns)
-        for (int b = 0; b < 4; ++b) expected += static_cast<char>(bits >> (8 * b));
-    const std::string written = Written([&](cio_save& o) {
-        for (std::uint32_t bits : patterns) WriteFloat(o, FloatOf(bits));
-    });
-    EXPECT_EQ(written, expected);
-    Bytes b(written);
-    for (std::uint32_t bits : patterns) {
-        float f = 0.0f;
-        EXPECT_EQ(ReadFloat(b.in, f), 1);
-        EXPECT_EQ(BitsOf(f), bits);
-    }
-}
-
 TEST(RecordFields, TruncatedFieldsFailAndKeepTheDestination) {
     int i = 7;
-    Bytes three(Hex("01 02 03"));
-    EXPECT_EQ(ReadInt32(three.in, i), 0);
-    EXPECT_EQ(i, 7);
     cpoint3 p(1.0f, 2.0f, 3.0f);
-    Bytes eleven(std::string(11, '\0'));
-    EXPECT_EQ(ReadPoint3(eleven.in, p), 0);
-    EXPECT_EQ(p, cpoint3(1.0f, 2.0f, 3.0f));
     char name[64] = "kept";
-    Bytes shortName("short" + std::string(58, '\0'));
-    EXPECT_EQ(ReadName(shortName.in, name, 64), 0);
-    EXPECT_STREQ(name, "kept");
     std::string text = "kept";
-    Bytes shortText(Hex("0a 00 00 00") + "12345"), shortLength(Hex("05 00"));
+    Bytes three(Hex("01 02 03")), eleven(std::string(11, '\0')), shortName(std::string(63, 'n'));
+    Bytes shortText(Hex("06 00 00 00") + "12345"), shortLength(Hex("05 00"));
+    EXPECT_EQ(ReadInt32(three.in, i), 0);
+    EXPECT_EQ(ReadPoint3(eleven.in, p), 0);
+    EXPECT_EQ(ReadName(shortName.in, name, 64), 0);
     EXPECT_EQ(ReadText(shortText.in, text), 0);
     EXPECT_EQ(ReadText(shortLength.in, text), 0);
+    EXPECT_EQ(i, 7);
+    EXPECT_EQ(p, cpoint3(1.0f, 2.0f, 3.0f));
+    EXPECT_STREQ(name, "kept");
     EXPECT_EQ(text, "kept");
-    Bytes exact(Hex("05 00 00 00") + "12345");
-    EXPECT_EQ(ReadText(exact.in, text), 1);
-    EXPECT_EQ(text, "12345");
 }
 
 TEST(RecordFields, StreamHoldsChecksCountsWithoutOverflow) {

@@ -18,52 +18,31 @@ void ExpectElements(const A& a, std::initializer_list<T> expected) {
     for (T e : expected) EXPECT_EQ(a[i++], e) << "element " << i - 1;
 }
 
-TEST(BitArray, ConstructsZeroedOrEmpty) {
-    ExpectElements(cbitarray(5), {0, 0, 0, 0, 0});
-    EXPECT_EQ(cbitarray(5).NumZeroBits(), 5);
-    ExpectElements(cfloatarray(3), {0.0f, 0.0f, 0.0f});
-    EXPECT_EQ(cbitarray().GetSize(), 0);
-    EXPECT_EQ(cbitarray(0).GetData(), nullptr);
-    EXPECT_EQ(cfloatarray(-3).GetSize(), 0);
-}
-
-TEST(BitArray, SetResetAndCountIgnoringIndicesOutOfRange) {
+TEST(BitArray, SetsResetsAndCountsIgnoringIndicesOutOfRange) {
     AssertRecorder recorder;
     cbitarray a(6);
+    EXPECT_EQ(a.NumZeroBits(), 6);
+    a.SetAll(9);
     a.Set(0);
     a.Set(2, 7);
     a.Set(3, -1);
-    ExpectElements(a, {1, 0, 7, -1, 0, 0});
-    EXPECT_EQ(a.NumBitsSet(), 3);
-    EXPECT_EQ(a.NumZeroBits(), 3);
-    a.Reset(2);
-    EXPECT_EQ(a.NumBitsSet(), 2);
-
-    a.SetAll();
-    a.Reset(-1);
-    a.Reset(6);
-    ExpectElements(a, {1, 1, 1, 1, 1, 1});
+    a.Reset(4);
+    for (int i : {-1, 6}) a.Reset(i), a.Set(i), a.Set(i, 5);
+    ExpectElements(a, {1, 9, 7, -1, 0, 9});
+    EXPECT_EQ(a.NumBitsSet(), 5);
     a.ResetAll();
-    a.Set(-1);
-    a.Set(6);
-    a.Set(6, 9);
-    EXPECT_EQ(a.NumBitsSet(), 0);
-    a.SetAll(9);
-    ExpectElements(a, {9, 9, 9, 9, 9, 9});
+    EXPECT_EQ(a.NumZeroBits(), 6);
     EXPECT_EQ(recorder.Count(), 0);
 
-    cfloatarray f(5);
-    f.Set(1);
-    f.Set(2, 0.25f);
-    f.Set(3, std::numeric_limits<float>::quiet_NaN());
-    f.Set(0, -0.0f);  // equal to 0
-    EXPECT_EQ(f.NumValsSet(), 3);
-    EXPECT_EQ(f.NumZeroVals(), 2);
+    cfloatarray f(4);
+    EXPECT_EQ(f.NumZeroVals(), 4);
     f.SetAll();
-    ExpectElements(f, {1.0f, 1.0f, 1.0f, 1.0f, 1.0f});
-    f.SetAll(0.5f);
-    f.Reset(4);
-    ExpectElements(f, {0.5f, 0.5f, 0.5f, 0.5f, 0.0f});
+    f.Set(1, std::numeric_limits<float>::quiet_NaN());
+    f.Set(2, -0.0f);  // equal to 0
+    f.Reset(3);
+    EXPECT_EQ(f[0], 1.0f);
+    EXPECT_EQ(f.NumValsSet(), 2);
+    EXPECT_EQ(f.NumZeroVals(), 2);
 }
 
 TEST(BitArray, SetSizeKeepsClearsOrFrees) {
@@ -76,49 +55,28 @@ TEST(BitArray, SetSizeKeepsClearsOrFrees) {
     ExpectElements(a, {1, 2});
     a.SetSize(3, 1);
     ExpectElements(a, {0, 0, 0});
-    a.SetSize(0, 0);
-    EXPECT_EQ(a.GetSize(), 0);
-    EXPECT_EQ(a.GetData(), nullptr);
-    a.SetSize(2, 1);
     a.SetSize(-5, 1);
+    EXPECT_EQ(a.GetData(), nullptr);
     EXPECT_EQ(a.GetSize(), 0);
-
-    cfloatarray f(2);
-    f.Set(0, 0.5f);
-    f.Set(1, 2.5f);
-    f.SetSize(3, 0);
-    f.Set(2, 4.0f);
-    ExpectElements(f, {0.5f, 2.5f, 4.0f});
+    EXPECT_EQ(cfloatarray(0).GetData(), nullptr);
 }
 
 TEST(BitArray, CopiesAreIndependentAndSizedLikeTheSource) {
     cbitarray a(3);
     a.Set(0, 5);
-    a.Set(2, 6);
-    cbitarray b(a);
+    cbitarray b(a), c(7);
     b.Set(1);
-    ExpectElements(a, {5, 0, 6});
-    ExpectElements(b, {5, 1, 6});
+    c = b;
+    ExpectElements(a, {5, 0, 0});
+    ExpectElements(c, {5, 1, 0});
+    cbitarray moved(std::move(c));
+    EXPECT_EQ(c.GetSize(), 0);
+    a = std::move(moved);
+    ExpectElements(a, {5, 1, 0});
+    Copy(a, cbitarray());
+    EXPECT_EQ(a.GetSize(), 0);
 
-    cbitarray c(7);
-    c = a;
-    ExpectElements(c, {5, 0, 6});
-    cbitarray d(1);
-    Copy(d, b);
-    ExpectElements(d, {5, 1, 6});
-    Copy(d, cbitarray());
-    EXPECT_EQ(d.GetSize(), 0);
-    const cbitarray& self = c;
-    c = self;
-    ExpectElements(c, {5, 0, 6});
-
-    cbitarray moved(std::move(b));
-    ExpectElements(moved, {5, 1, 6});
-    EXPECT_EQ(b.GetSize(), 0);
-    c = std::move(moved);
-    ExpectElements(c, {5, 1, 6});
-
-    cfloatarray f(2), g;
+    cfloatarray f(2), g(1);
     f.Set(1, 0.75f);
     Copy(g, f);
     ExpectElements(g, {0.0f, 0.75f});
@@ -132,8 +90,7 @@ TEST(BitArray, ReadOutOfRangeIsReportedFromCbitarrayAndReadsZero) {
     EXPECT_EQ(recorder.Count(), 0);
     EXPECT_EQ(a[2], 0);
     EXPECT_EQ(a[-1], 0);
-    cfloatarray f;
-    EXPECT_EQ(f[0], 0.0f);
+    EXPECT_EQ(cfloatarray()[0], 0.0f);
     ASSERT_EQ(recorder.Count(), 3);
     for (const std::string& text : recorder.Texts()) {
         EXPECT_NE(text.find("File: Core/cbitarray, Line: "), std::string::npos) << text;

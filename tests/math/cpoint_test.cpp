@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <initializer_list>
 #include <limits>
 
@@ -26,93 +25,52 @@ TEST(Vectors, ArithmeticIsComponentWiseIncludingW) {
     ExpectComponents(a + 1.0f, {2, 3, 4, 5});
     ExpectComponents(a - 1.0f, {0, 1, 2, 3});
     ExpectComponents(-a, {-1, -2, -3, -4});
-
-    cpoint4 c = a;
-    c += b;
-    c *= 0.5f;
-    c -= a;
-    ExpectComponents(c, {0.5f, 1, 2.5f, 6});
-    c /= cpoint4(0.5f, 1, 2.5f, 6);
-    ExpectComponents(c, {1, 1, 1, 1});
-
     ExpectComponents(cpoint3(6, 8, 9) / cpoint3(2, 4, 3), {3, 2, 3});
-    ExpectComponents(cpoint2(1, 2) + cpoint2(3, 4), {4, 6});
-    ExpectComponents(cpoint3(), {0, 0, 0});
-    ExpectComponents(MakePt4(1, 2, 3, 4), {1, 2, 3, 4});
-    ExpectComponents(MakePt2(5, 6), {5, 6});
-    EXPECT_TRUE(MakePt3(1, 2, 3) == cpoint3(1, 2, 3));
-    EXPECT_TRUE(MakePt3(1, 2, 3) != cpoint3(1, 2, 3.5f));
+    ExpectComponents(cpoint2(1, 2) - cpoint2(3, 5), {-2, -3});
+    EXPECT_TRUE(cpoint4(1, 2, 3, 4) == a);
+    EXPECT_TRUE(cpoint4(1, 2, 3, 4.5f) != a);
+    // Inter does not clamp t.
+    ExpectComponents(Inter(a, b, 0.25f), {1.25f, 2.5f, 4.25f, 7});
+    ExpectComponents(Inter(a, b, -1.0f), {0, 0, -2, -8});
 }
 
 TEST(Vectors, DotLengthAndNormalizeIncludeW) {
-    EXPECT_FLOAT_EQ(DotProd(cpoint3(1, 2, 3), cpoint3(4, -5, 6)), 12.0f);
-    EXPECT_FLOAT_EQ(DotProd(cpoint4(1, 2, 3, 4), cpoint4(1, 1, 1, 1)), 10.0f);
-    EXPECT_FLOAT_EQ(Length(cpoint2(3, 4)), 5.0f);
+    EXPECT_FLOAT_EQ(DotProd(cpoint4(1, 2, 3, 4), cpoint4(1, -1, 1, 2)), 10.0f);
     EXPECT_FLOAT_EQ(Length(cpoint4(1, 2, 2, 4)), 5.0f);
 
-    cpoint3 v(3, 0, 4);
-    EXPECT_EQ(&v.Normalize(), &v);
-    ExpectComponents(v, {0.6f, 0, 0.8f});
     cpoint4 q(0, 0, 3, 4);
     ExpectComponents(q.Normalize(), {0, 0, 0.6f, 0.8f});
-    cpoint2 d(0, -2);
-    ExpectComponents(d.Normalize(), {0, -1});
-
-    const cpoint3 original(0, 6, 8);
-    ExpectComponents(Normalize(original), {0, 0.6f, 0.8f});
-    ExpectComponents(original, {0, 6, 8});
-
+    ExpectComponents(Normalize(cpoint3(0, 6, 8)), {0, 0.6f, 0.8f});
     // A zero vector stays zero instead of turning into NaNs.
-    cpoint3 zero;
-    ExpectComponents(zero.Normalize(), {0, 0, 0});
-    ExpectComponents(Normalize(cpoint4()), {0, 0, 0, 0});
+    ExpectComponents(cpoint3().Normalize(), {0, 0, 0});
 }
 
 TEST(Vectors, CrossProductPutsLengthInWAndPlaneConstant) {
-    ExpectComponents(CrossProd(cpoint3(1, 0, 0), cpoint3(0, 1, 0)), {0, 0, 1});
     ExpectComponents(CrossProd(cpoint3(1, 2, 3), cpoint3(4, 5, 6)), {-3, 6, -3});
     // The inputs' w take no part; w of the result is |(-3, 6, -3)| = sqrt(54).
     ExpectComponents(CrossProd(cpoint4(1, 2, 3, 99), cpoint4(4, 5, 6, -7)),
                      {-3, 6, -3, 7.3484692f});
-    ExpectComponents(CrossProd(cpoint4(2, 0, 0, 5), cpoint4(0, 3, 0, 1)), {0, 0, 6, 6});
-
-    EXPECT_FLOAT_EQ(PlaneD(cpoint3(0, 0, 1), cpoint3(5, 5, 3)), -3.0f);
     EXPECT_FLOAT_EQ(PlaneD(cpoint3(1, 2, 3), cpoint3(4, -5, 6)), -12.0f);
 }
 
 TEST(Vectors, CompareUsesInclusiveAbsoluteEpsilon) {
     const cpoint3 a(1, 2, 3);
-    EXPECT_TRUE(Compare(a, cpoint3(1.5f, 2, 3), 0.5f));
-    EXPECT_TRUE(Compare(a, cpoint3(1.5f, 2, 3), -0.5f));
-    EXPECT_FALSE(Compare(a, cpoint3(1.5f, 2, 3), 0.4999f));
     EXPECT_TRUE(Compare(a, cpoint3(1, 2, 2.75f), 0.25f));
+    EXPECT_TRUE(Compare(a, cpoint3(1, 2, 2.75f), -0.25f));
     EXPECT_FALSE(Compare(a, cpoint3(1, 2, 2.75f), 0.125f));
-    EXPECT_TRUE(Compare(a, a, 0.0f));
     EXPECT_FALSE(Compare(cpoint4(0, 0, 0, 0), cpoint4(0, 0, 0, 1), 0.5f));
     const float nan = std::numeric_limits<float>::quiet_NaN();
     EXPECT_FALSE(Compare(cpoint2(nan, 0), cpoint2(nan, 0), 1.0f));
 }
 
-TEST(Vectors, InterDoesNotClampT) {
-    const cpoint3 a(0, 10, -2), b(4, 20, 2);
-    ExpectComponents(Inter(a, b, 0.25f), {1, 12.5f, -1});
-    ExpectComponents(Inter(a, b, 2.0f), {8, 30, 6});
-    ExpectComponents(Inter(a, b, -1.0f), {-4, 0, -6});
-    ExpectComponents(Inter(cpoint4(0, 0, 0, 0), cpoint4(2, 2, 2, 8), 0.5f), {1, 1, 1, 4});
-}
-
 TEST(Vectors, SnapRoundsHalfUpOnEveryComponent) {
-    ExpectComponents(SnapVector(cpoint3(-0.5f, 0.5f, 1.49f)), {0, 1, 1});
-    ExpectComponents(SnapVector(cpoint3(-1.5f, -0.49f, 2.5f)), {-1, 0, 3});
-    ExpectComponents(SnapVector(cpoint4(0.4f, 0.6f, -0.6f, 3.5f)), {0, 1, -1, 4});
-    ExpectComponents(SnapVector(cpoint2(-2.5f, 7.2f)), {-2, 7});
+    ExpectComponents(SnapVector(cpoint4(-0.5f, 0.5f, -1.5f, 2.5f)), {0, 1, -1, 3});
+    ExpectComponents(SnapVector(cpoint3(1.49f, -0.49f, -0.6f)), {1, 0, -1});
     // The largest float below one half stays below it when one half is added.
     ExpectComponents(SnapVector(cpoint2(0.49999997f, -0.50000006f)), {0, -1});
 
-    ExpectComponents(SnapVectorToGrid(cpoint3(7, -7, 12), 5), {5, -5, 10});
-    ExpectComponents(SnapVectorToGrid(cpoint3(7.5f, -7.5f, 2.5f), 5), {10, -5, 5});
+    ExpectComponents(SnapVectorToGrid(cpoint4(7, -7, 7.5f, -7.5f), 5), {5, -5, 10, -5});
     ExpectComponents(SnapVectorToGrid(cpoint3(0.3f, -0.1f, 0.125f), 0.25f), {0.25f, 0, 0.25f});
-    ExpectComponents(SnapVectorToGrid(cpoint4(0, 0, 0, 8), 5), {0, 0, 0, 10});
 }
 
 }  // namespace
