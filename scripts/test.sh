@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs the whole test suite twice: an optimised build with warnings as errors, and
-# an AddressSanitizer + UndefinedBehaviorSanitizer build. Checks formatting first.
+# an AddressSanitizer + UndefinedBehaviorSanitizer build. Checks formatting first and ends with
+# a short libFuzzer run of every fuzz target (clang).
 # Usage: scripts/test.sh            (from anywhere inside the repository)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -18,3 +19,6 @@ for preset in ci asan; do
     echo "== $preset: tests"
     ctest --preset "$preset"
 done
+
+echo "== fuzz smoke run"
+scripts/fuzz.sh "${FUZZ_SECONDS:-10}"
