@@ -9,7 +9,6 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -18,6 +17,7 @@
 #include "coreplatform.h"
 #include "cparamanim.h"
 #include "fuzz/fuzztarget.h"
+#include "support/bytestring.h"
 #include "support/testsupport.h"
 
 namespace {
@@ -130,10 +130,7 @@ const std::string& InputFile() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool silenced = (SilenceReports(), true);
     (void)silenced;
-    // A fresh file each time: rewriting one in place makes some file systems flush it to disk.
-    std::remove(InputFile().c_str());
-    std::ofstream(InputFile(), std::ios::binary)
-        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    WriteFileBytes(InputFile(), std::string(reinterpret_cast<const char*>(data), size));
     cio_load in;
     FUZZ_CHECK(in.Open(InputFile().c_str()) == 0);
     const long length = static_cast<long>(size);
@@ -145,50 +142,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
 }
 
-namespace {
-
-// Little-endian encoders of their own, so that the seeds do not depend on the writers.
-struct SeedWriter {
-    std::string bytes;
-    SeedWriter& Int(std::uint32_t value) {
-        for (int b = 0; b < 4; ++b) bytes += static_cast<char>((value >> (8 * b)) & 0xFF);
-        return *this;
-    }
-    SeedWriter& Floats(std::initializer_list<float> values) {
-        for (float value : values) {
-            std::uint32_t bits;
-            std::memcpy(&bits, &value, 4);
-            Int(bits);
-        }
-        return *this;
-    }
-    SeedWriter& Head(int count, int first, int last) {
-        return Int(static_cast<std::uint32_t>(count))
-            .Int(static_cast<std::uint32_t>(first))
-            .Int(static_cast<std::uint32_t>(last));
-    }
-};
-
-}  // namespace
-
 std::vector<std::string> FuzzSeeds() {
-    SeedWriter transforms;
-    transforms.Head(3, -40, 80);
-    transforms.Int(static_cast<std::uint32_t>(-40)).Floats({0, 0, 0, 0, 0, 0, 1, 1, 1, 1});
-    transforms.Int(0).Floats({1, 2, 3, 0, 0.7071068f, 0, 0.7071068f, 1, 2, 1});
-    transforms.Int(80).Floats({-5, 0, 9, 0, 0, 0.5f, 0.8660254f, 2, 2, 2});
+    ByteString transforms;
+    transforms.Ints({3, -40, 80});
+    transforms.Ints({-40}).Floats({0, 0, 0, 0, 0, 0, 1, 1, 1, 1});
+    transforms.Ints({0}).Floats({1, 2, 3, 0, 0.7071068f, 0, 0.7071068f, 1, 2, 1});
+    transforms.Ints({80}).Floats({-5, 0, 9, 0, 0, 0.5f, 0.8660254f, 2, 2, 2});
 
-    SeedWriter fovs;
-    fovs.Head(4, 0, 120).Int(0).Floats({53}).Int(1).Floats({50}).Int(2).Floats({45});
-    fovs.Int(120).Floats({30});
+    ByteString fovs;
+    fovs.Ints({4, 0, 120}).Ints({0}).Floats({53}).Ints({1}).Floats({50}).Ints({2}).Floats({45});
+    fovs.Ints({120}).Floats({30});
 
-    SeedWriter lights;  // the newest layout
-    lights.Head(2, 0, 40).Int(0).Floats({1, 1, 1, 1, 43, 45, 256, 1});
-    lights.Int(40).Floats({0.5f, 0.2f, 0.1f, 1, 30, 35, 100, 2.5f});
+    ByteString lights;  // the newest layout
+    lights.Ints({2, 0, 40}).Ints({0}).Floats({1, 1, 1, 1, 43, 45, 256, 1});
+    lights.Ints({40}).Floats({0.5f, 0.2f, 0.1f, 1, 30, 35, 100, 2.5f});
 
-    SeedWriter oldLights;  // version 3: no range, two ignored words
-    oldLights.Head(2, -8, 8).Int(static_cast<std::uint32_t>(-8)).Floats({1, 0, 0, 1, 20, 25, 1});
-    oldLights.Int(0).Int(0).Int(8).Floats({0, 0, 1, 1, 40, 45, 3}).Int(7).Int(9);
+    ByteString oldLights;  // version 3: no range, two ignored words
+    oldLights.Ints({2, -8, 8}).Ints({-8}).Floats({1, 0, 0, 1, 20, 25, 1});
+    oldLights.Ints({0, 0, 8}).Floats({0, 0, 1, 1, 40, 45, 3}).Ints({7, 9});
 
     return {transforms.bytes, fovs.bytes, lights.bytes, oldLights.bytes};
 }

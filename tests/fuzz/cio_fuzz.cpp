@@ -7,15 +7,13 @@
 // the stream keeps agreeing with the file's length.
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
 #include "ciofields.h"
 #include "fuzz/fuzztarget.h"
+#include "support/bytestring.h"
 #include "support/testsupport.h"
 
 namespace {
@@ -109,10 +107,7 @@ const std::string& InputFile() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // A fresh file each time: rewriting one in place makes some file systems flush it to disk.
-    std::remove(InputFile().c_str());
-    std::ofstream(InputFile(), std::ios::binary)
-        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    WriteFileBytes(InputFile(), std::string(reinterpret_cast<const char*>(data), size));
     cio_load in;
     FUZZ_CHECK(in.Open(InputFile().c_str()) == 0);
     const long length = static_cast<long>(size);
@@ -130,42 +125,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
 }
 
-namespace {
-
-// Little-endian encoders of their own, so that the seeds do not depend on the writers.
-struct SeedWriter {
-    std::string bytes;
-    SeedWriter& Byte(unsigned int value) {
-        bytes += static_cast<char>(value);
-        return *this;
-    }
-    SeedWriter& Word(std::uint32_t value, int width = 4) {
-        for (int b = 0; b < width; ++b) Byte((value >> (8 * b)) & 0xFF);
-        return *this;
-    }
-    SeedWriter& Floats(std::initializer_list<float> values) {
-        for (float value : values) {
-            std::uint32_t bits;
-            std::memcpy(&bits, &value, 4);
-            Word(bits);
-        }
-        return *this;
-    }
-    SeedWriter& Name(const std::string& name, std::size_t size) {
-        bytes += name + std::string(size - name.size(), '\0');
-        return *this;
-    }
-    SeedWriter& Text(const std::string& text) {
-        Word(static_cast<std::uint32_t>(text.size()));
-        bytes += text;
-        return *this;
-    }
-};
-
-}  // namespace
-
 std::vector<std::string> FuzzSeeds() {
-    SeedWriter every;
+    ByteString every;
     every.Byte(kInt32).Word(0xFFFFFFFEu).Byte(kUInt32).Word(7).Byte(kUInt16).Word(0xBEEF, 2);
     every.Byte(kUInt8).Byte(3).Byte(kFloat).Floats({-2.5f}).Byte(kPoint3).Floats({1, 2, 3});
     every.Byte(kQuat).Floats({0, 0, 0, 1}).Byte(kColor).Floats({1, 0.5f, 0.25f, 1});
@@ -174,7 +135,7 @@ std::vector<std::string> FuzzSeeds() {
     every.Byte(kRead).Byte(4).Word(0x01020304u).Byte(kSeek).Word(0, 2);
 
     // Shaped like a node record: ids, three names, flags, vectors, notes.
-    SeedWriter record;
+    ByteString record;
     record.Byte(kInt32).Word(2).Byte(kInt32).Word(0).Byte(kName64).Name("Sphere01", 64);
     record.Byte(kName64).Name("", 64).Byte(kName32).Name("Chrome", 32).Byte(kUInt32).Word(0x2);
     record.Byte(kPoint3).Floats({-1, -1, -1}).Byte(kQuat).Floats({0, 0.7071068f, 0, 0.7071068f});

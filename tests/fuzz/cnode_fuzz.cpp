@@ -7,7 +7,6 @@
 // loads again to a record of the same length.
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <string>
 
 #include "cnode.h"
@@ -21,13 +20,6 @@ constexpr unsigned long kVersions[] = {6, 12, 16};
 const TempDir& Folder() {
     static const TempDir folder;
     return folder;
-}
-
-void WriteFile(const std::string& path, const std::string& bytes) {
-    // A fresh file each time: rewriting one in place makes some file systems flush it to disk.
-    std::remove(path.c_str());
-    std::ofstream(path, std::ios::binary)
-        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 int LoadFrom(const std::string& path, cnode& node, unsigned long version) {
@@ -61,7 +53,7 @@ void CheckLoaded(const cnode& node) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string input = Folder().File("input.bin");
-    WriteFile(input, std::string(reinterpret_cast<const char*>(data), size));
+    WriteFileBytes(input, std::string(reinterpret_cast<const char*>(data), size));
     for (unsigned long version : kVersions) {
         cnode node("Fuzz", ccolor());
         const int loaded = LoadFrom(input, node, version);

@@ -3,9 +3,7 @@
 // The input is the whole file, read from its middle. Each reader must restore the position,
 // refuse a file without the magic or with a version above 16, and keep a table only when the
 // file holds every name it counts. Lookups through a kept table answer scene objects or null.
-#include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <string>
 
 #include "cmaterial.h"
@@ -66,9 +64,7 @@ void CheckReader(cio_load& in, const std::uint8_t* data, std::size_t size, int (
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FillSceneOnce();
-    std::remove(InputFile().c_str());
-    std::ofstream(InputFile(), std::ios::binary)
-        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    WriteFileBytes(InputFile(), std::string(reinterpret_cast<const char*>(data), size));
     cio_load in;
     FUZZ_CHECK(in.Open(InputFile().c_str()) == 0);
     FUZZ_CHECK(in.SetPosition(static_cast<long>(size / 2), 0) == 0);

@@ -6,9 +6,7 @@
 // parent in the scene and listing the node among its children, no parent chain that loops,
 // counters that agree with the flags, a clock within its range, a key in every track; saved
 // again, it must load again with the same nodes and materials in the same order.
-#include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -22,12 +20,6 @@ namespace {
 const TempDir& Folder() {
     static const TempDir folder;
     return folder;
-}
-
-void WriteFile(const std::string& path, const std::string& bytes) {
-    std::remove(path.c_str());
-    std::ofstream(path, std::ios::binary)
-        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 std::string SavedScene() {
@@ -90,7 +82,7 @@ void CheckSavesAndLoadsAgain() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string input = Folder().File("input.orv");
-    WriteFile(input, std::string(reinterpret_cast<const char*>(data), size));
+    WriteFileBytes(input, std::string(reinterpret_cast<const char*>(data), size));
     BuildBaseline();
     const std::string before = DescribeMainScene(true);
     const int loaded = LoadProjectFile(input.c_str());

@@ -16,27 +16,6 @@
 
 namespace {
 
-// The bytes a sequence of Write calls puts into a fresh file.
-template <class Write>
-std::string Written(Write write) {
-    TempDir dir;
-    cio_save out;
-    if (out.Open(dir.File("fields.bin").c_str()) != 0) return "<open failed>";
-    write(out);
-    out.Close();
-    return ReadFileBytes(dir.File("fields.bin"));
-}
-
-// A stream reading the given bytes from a file that lives as long as it does.
-struct Bytes {
-    explicit Bytes(const std::string& bytes) {
-        std::ofstream(dir.File("in.bin"), std::ios::binary) << bytes;
-        in.Open(dir.File("in.bin").c_str());
-    }
-    TempDir dir;
-    cio_load in;
-};
-
 // Bytes from space-separated hexadecimal pairs: "fe ff" -> "\xfe\xff".
 std::string Hex(const std::string& digits) {
     std::istringstream pairs(digits);
@@ -61,7 +40,7 @@ TEST(RecordFields, WriteAndReadLittleEndianBytes) {
             "00 00 00 3f 00 00 00 00 00 00 20 c0 00 00 80 3f "
             "00 00 00 3f 00 00 80 3e 00 00 80 3f 00 00 00 00 03 00 00 00 68 00 69 00 00 00 00");
     const cquat q = MakeQuat(0.5f, 0.0f, -2.5f, 1.0f);
-    EXPECT_EQ(Written([&](cio_save& o) {
+    EXPECT_EQ(Saved([&](cio_save& o) {
                   EXPECT_TRUE(WriteInt32(o, -2) && WriteInt32(o, INT_MIN) &&
                               WriteUInt32(o, 0xDEADBEEFu) && WriteUInt16(o, 0xBEEF) &&
                               WriteUInt8(o, 0xA5) && WriteFloat(o, -2.5f) &&
@@ -71,7 +50,7 @@ TEST(RecordFields, WriteAndReadLittleEndianBytes) {
               }),
               bytes);
 
-    Bytes b(bytes);
+    RecordStream b(bytes);
     EXPECT_EQ(ReadBack(b.in, ReadInt32), -2);
     EXPECT_EQ(ReadBack(b.in, ReadInt32), INT_MIN);
     EXPECT_EQ(ReadBack(b.in, ReadUInt32), 0xDEADBEEFu);
@@ -91,7 +70,7 @@ TEST(RecordFields, WriteAndReadLittleEndianBytes) {
 TEST(RecordFields, FloatsRoundTripBitForBit) {
     const std::uint32_t patterns[] = {0x80000000u, 0x7FC00001u, 0xFFBADBADu,
                                       0x7F800001u, 0xFF800000u, 0x00000001u};
-    Bytes b(Written([&](cio_save& o) {
+    RecordStream b(Saved([&](cio_save& o) {
         for (std::uint32_t bits : patterns) {
             float f;
             std::memcpy(&f, &bits, 4);
@@ -105,13 +84,13 @@ TEST(RecordFields, FloatsRoundTripBitForBit) {
 }
 
 TEST(RecordFields, NamesAreZeroPaddedAndKeepATerminator) {
-    EXPECT_EQ(Written([](cio_save& o) { WriteName(o, nullptr, 32); }), std::string(32, '\0'));
+    EXPECT_EQ(Saved([](cio_save& o) { WriteName(o, nullptr, 32); }), std::string(32, '\0'));
     const std::string seventy(70, 'n');
-    EXPECT_EQ(Written([&](cio_save& o) { WriteName(o, seventy.c_str(), 64); }),
+    EXPECT_EQ(Saved([&](cio_save& o) { WriteName(o, seventy.c_str(), 64); }),
               std::string(63, 'n') + '\0');
-    EXPECT_EQ(Written([](cio_save& o) { EXPECT_EQ(WriteName(o, "x", 0), 0); }), "");
+    EXPECT_EQ(Saved([](cio_save& o) { EXPECT_EQ(WriteName(o, "x", 0), 0); }), "");
 
-    Bytes full(std::string(64, 'a') + "Old" + std::string(29, '\0'));
+    RecordStream full(std::string(64, 'a') + "Old" + std::string(29, '\0'));
     char name[64];
     EXPECT_EQ(ReadName(full.in, name, 64), 1);
     EXPECT_EQ(std::string(name), std::string(63, 'a'));
@@ -126,8 +105,9 @@ TEST(RecordFields, TruncatedFieldsFailAndKeepTheDestination) {
     cpoint3 p(1.0f, 2.0f, 3.0f);
     char name[64] = "kept";
     std::string text = "kept";
-    Bytes three(Hex("01 02 03")), eleven(std::string(11, '\0')), shortName(std::string(63, 'n'));
-    Bytes shortText(Hex("06 00 00 00") + "12345"), shortLength(Hex("05 00"));
+    RecordStream three(Hex("01 02 03")), eleven(std::string(11, '\0')),
+        shortName(std::string(63, 'n'));
+    RecordStream shortText(Hex("06 00 00 00") + "12345"), shortLength(Hex("05 00"));
     EXPECT_EQ(ReadInt32(three.in, i), 0);
     EXPECT_EQ(ReadPoint3(eleven.in, p), 0);
     EXPECT_EQ(ReadName(shortName.in, name, 64), 0);
@@ -140,7 +120,7 @@ TEST(RecordFields, TruncatedFieldsFailAndKeepTheDestination) {
 }
 
 TEST(RecordFields, StreamHoldsChecksCountsWithoutOverflow) {
-    Bytes b(std::string(12, '\0'));
+    RecordStream b(std::string(12, '\0'));
     EXPECT_EQ(StreamHolds(b.in, 3, 4), 1);
     EXPECT_EQ(StreamHolds(b.in, 4, 4), 0);
     EXPECT_EQ(StreamHolds(b.in, -1, 4), 0);
@@ -152,7 +132,7 @@ TEST(RecordFields, StreamHoldsChecksCountsWithoutOverflow) {
 // Caps the address space at 64 MB above what the process uses, then reads a text whose length
 // is 2^32 - 1: an attempt to allocate for it would fail and end the process abnormally.
 int ReadHugeTextUnderAddressCap() {
-    Bytes b(Hex("ff ff ff ff") + "tail");
+    RecordStream b(Hex("ff ff ff ff") + "tail");
     long pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
     const rlim_t cap = static_cast<rlim_t>(pages * sysconf(_SC_PAGESIZE)) + (64ul << 20);

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -12,21 +11,13 @@
 #include "ciofields.h"
 #include "cmaterial.h"
 #include "cscene.h"
+#include "support/animclockfixture.h"
+#include "support/bytestring.h"
 #include "support/testsupport.h"
 
 namespace {
 
-// The clock at time 0 of a 0..1000 range with animation mode off, before and after each test.
-class Node : public ::testing::Test {
-protected:
-    void SetUp() override { Reset(); }
-    void TearDown() override { Reset(); }
-    static void Reset() {
-        ResetAnim();
-        SetAnimEnd(1000);
-        SetAnimOn(0);
-    }
-};
+class Node : public AnimClockTest {};
 using NodeRecord = Node;
 
 // A node of a derived class: it keeps a material and lets the test set its box.
@@ -58,49 +49,14 @@ ckey KeyAt(const cnode& node, int index) {
     return key;
 }
 
-// Expected record bytes, little-endian, written without the field helpers.
-struct RecordBytes {
-    std::string bytes;
-    RecordBytes& Int(std::uint32_t value) {
-        for (int b = 0; b < 4; ++b) bytes += static_cast<char>((value >> (8 * b)) & 0xFF);
-        return *this;
-    }
-    RecordBytes& Floats(std::initializer_list<float> values) {
-        for (float value : values) {
-            std::uint32_t bits;
-            std::memcpy(&bits, &value, 4);
-            Int(bits);
-        }
-        return *this;
-    }
-    RecordBytes& Float(float value) { return Floats({value}); }
-    RecordBytes& Name(const std::string& name, std::size_t size) {
-        bytes += name + std::string(size - name.size(), '\0');
-        return *this;
-    }
-};
-
-// The bytes `save` writes.
-template <class Save>
-std::string Saved(Save save) {
-    TempDir dir;
-    cio_save out;
-    if (out.Open(dir.File("out.bin").c_str()) != 0) return "<open failed>";
-    save(out);
-    out.Close();
-    return ReadFileBytes(dir.File("out.bin"));
-}
-
 std::string SavedNode(const cnode& node) {
     return Saved([&](cio_save& out) { EXPECT_EQ(node.Save(out), 1); });
 }
 
 int LoadNode(cnode& node, const std::string& bytes, unsigned long version) {
-    TempDir dir;
-    std::ofstream(dir.File("in.bin"), std::ios::binary) << bytes;
-    cio_load in;
-    if (in.Open(dir.File("in.bin").c_str()) != 0) return -1;
-    return node.Load(in, version);
+    RecordStream record(bytes);
+    if (!record.opened) return -1;
+    return node.Load(record.in, version);
 }
 
 TEST_F(Node, KeepsNamesOf63AndNotesOf8192Characters) {
@@ -389,28 +345,27 @@ TEST_F(NodeRecord, WritesTheBaseRecordByteForByte) {
     node.SetSeeThroughFlag(1);
     node.CopyNotes("hi", 2);
 
-    RecordBytes r;
-    r.Int(1).Int(0).Name("Box", 64).Name("Root", 64).Name("Chrome", 64);
-    r.Int(2).Int(0).Floats({0.25f, 0.5f, 0.75f, 1.0f, -1, -2, -3, 4, 5, 6});
-    r.Floats({1, 2, 3, 0, 0, 0, 1, 1, 0.5f, 2}).Int(1).Int(0);
-    r.Int(1).Int(0).Int(0).Float(5.0f).Floats({-180, -180, -180, 180, 180, 180, 0, 0, 0, 1});
-    r.Int(200).Int(3).Int(1).Int(2);
-    r.bytes += "hi";
-    r.Int(1).Int(0).Int(0).Int(0).Floats({1, 2, 3, 0, 0, 0, 1, 1, 0.5f, 2});
+    ByteString r;
+    r.Word(1).Word(0).Name("Box", 64).Name("Root", 64).Name("Chrome", 64);
+    r.Word(2).Word(0).Floats({0.25f, 0.5f, 0.75f, 1.0f, -1, -2, -3, 4, 5, 6});
+    r.Floats({1, 2, 3, 0, 0, 0, 1, 1, 0.5f, 2}).Word(1).Word(0);
+    r.Word(1).Word(0).Word(0).Floats({5.0f, -180, -180, -180, 180, 180, 180, 0, 0, 0, 1});
+    r.Word(200).Word(3).Word(1).Text("hi");
+    r.Word(1).Word(0).Word(0).Word(0).Floats({1, 2, 3, 0, 0, 0, 1, 1, 0.5f, 2});
     EXPECT_EQ(SavedNode(node), r.bytes);
 }
 
 // A record of an older version: 32-byte names and no see-through below 13, no IK block below 7.
 std::string OldRecord(unsigned long version) {
-    RecordBytes r;
-    r.Int(1).Int(0).Name("Old", 32).Name("LoadRoot", 32).Name("LoadChrome", 32);
-    r.Int(FLAG_SELECTED | FLAG_HIDDEN).Int(2).Floats({0.1f, 0.2f, 0.3f, 1, 0, 0, 0, 1, 1, 1});
-    r.Floats({9, 9, 9, 0, 0, 0, 1, 1, 1, 1}).Int(0).Int(1);
+    ByteString r;
+    r.Word(1).Word(0).Name("Old", 32).Name("LoadRoot", 32).Name("LoadChrome", 32);
+    r.Word(FLAG_SELECTED | FLAG_HIDDEN).Word(2).Floats({0.1f, 0.2f, 0.3f, 1, 0, 0, 0, 1, 1, 1});
+    r.Floats({9, 9, 9, 0, 0, 0, 1, 1, 1, 1}).Word(0).Word(1);
     if (version >= 7)
-        r.Int(1).Int(1).Int(1).Float(7.5f).Floats({-10, -20, -30, 10, 20, 30, 0, 0, 0, 1});
-    if (version >= 7) r.Int(50).Int(4);
-    r.Int(3).bytes += "abc";
-    r.Int(1).Int(0).Int(0).Int(0).Floats({4, 5, 6, 0, 0, 0, 1, 1, 1, 1});
+        r.Word(1).Word(1).Word(1).Floats({7.5f, -10, -20, -30, 10, 20, 30, 0, 0, 0, 1});
+    if (version >= 7) r.Word(50).Word(4);
+    r.Text("abc");
+    r.Word(1).Word(0).Word(0).Word(0).Floats({4, 5, 6, 0, 0, 0, 1, 1, 1, 1});
     return r.bytes;
 }
 
@@ -474,9 +429,7 @@ TEST_F(NodeRecord, RefusesTruncatedAndCorruptRecords) {
     const std::size_t notesLength = saved.size() - 56 - 10 - 4;
     for (std::uint32_t bad : {0xFFFFFFFFu, 0x7FFFFFFFu, 11u + 56u}) {
         std::string corrupt = saved;
-        RecordBytes word;
-        word.Int(bad);
-        corrupt.replace(notesLength, 4, word.bytes);
+        corrupt.replace(notesLength, 4, ByteString().Word(bad).bytes);
         cnode fresh;
         EXPECT_EQ(LoadNode(fresh, corrupt, 16), 0) << bad;
     }

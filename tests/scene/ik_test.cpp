@@ -6,21 +6,13 @@
 
 #include "animclock.h"
 #include "cnode.h"
+#include "support/animclockfixture.h"
 
 namespace {
 
 constexpr double kDegrees = 57.29577951308232;
 
-class IK : public ::testing::Test {
-protected:
-    void SetUp() override { Reset(); }
-    void TearDown() override { Reset(); }
-    static void Reset() {
-        ResetAnim();
-        SetAnimEnd(1000);
-        SetAnimOn(0);
-    }
-};
+class IK : public AnimClockTest {};
 
 // A two-bone arm along X: shoulder at the origin, elbow at (2, 0, 0), hand at (4, 0, 0).
 struct Arm {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 
 #include "cmaterial.h"
@@ -20,7 +19,7 @@ protected:
     }
     cio_load& Open(const std::string& bytes) {
         const std::string path = folder.File("project.orv");
-        std::ofstream(path, std::ios::binary).write(bytes.data(), std::streamsize(bytes.size()));
+        WriteFileBytes(path, bytes);
         in.Close();
         EXPECT_EQ(in.Open(path.c_str()), 0);
         return in;

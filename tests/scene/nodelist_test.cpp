@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 
 #include "cnode.h"
@@ -22,7 +21,7 @@ protected:
     // Writes `bytes` to a file, opens it and moves to `position`.
     cio_load& Open(const std::string& bytes, long position = 0) {
         const std::string path = folder.File("project.orv");
-        std::ofstream(path, std::ios::binary).write(bytes.data(), std::streamsize(bytes.size()));
+        WriteFileBytes(path, bytes);
         in.Close();
         EXPECT_EQ(in.Open(path.c_str()), 0);
         EXPECT_EQ(in.SetPosition(position, 0), 0);

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <initializer_list>
 #include <string>
 #include <utility>
@@ -15,6 +14,7 @@
 #include "cmaterial.h"
 #include "cnode.h"
 #include "cscene.h"
+#include "support/bytestring.h"
 
 // The start of a project file, as the name-table readers see it: magic, version, node table
 // offset and count, material table offset and count, then 48 bytes of filler they must not
@@ -25,45 +25,25 @@ struct ProjectFile {
     std::vector<std::string> nodes;
     std::vector<std::string> materials;
 
-    static void PutWord(std::string& bytes, std::uint32_t value) {
-        for (int b = 0; b < 4; ++b) bytes += static_cast<char>((value >> (8 * b)) & 0xFF);
-    }
+    // Overwrites the little-endian word at byte `at`.
     static void SetWord(std::string& bytes, std::size_t at, std::uint32_t value) {
-        for (int b = 0; b < 4; ++b) bytes[at + b] = static_cast<char>((value >> (8 * b)) & 0xFF);
-    }
-    static void PutFloat(std::string& bytes, float value) {
-        std::uint32_t word;
-        std::memcpy(&word, &value, sizeof word);
-        PutWord(bytes, word);
-    }
-    static void PutFloats(std::string& bytes, std::initializer_list<float> values) {
-        for (float value : values) PutFloat(bytes, value);
-    }
-    // A fixed field: `text` cut or zero-padded to `size` bytes.
-    static std::string Field(const std::string& text, std::size_t size) {
-        std::string field = text.substr(0, size);
-        field.resize(size, '\0');
-        return field;
+        bytes.replace(at, 4, ByteString().Word(value).bytes);
     }
     static std::string Table(const std::vector<std::string>& names) {
-        std::string table;
-        PutWord(table, static_cast<std::uint32_t>(names.size()));
-        for (const std::string& name : names) table += Field(name, 64);
-        return table;
+        ByteString table;
+        table.Word(names.size());
+        for (const std::string& name : names) table.Name(name, 64);
+        return table.bytes;
     }
 
     // The whole file; the node table starts at byte 72 (after the header) and the material
     // table right after it.
     std::string Bytes() const {
         const std::string nodeTable = Table(nodes), materialTable = Table(materials);
-        std::string bytes = magic.substr(0, 4);
-        PutWord(bytes, version);
-        PutWord(bytes, 72);
-        PutWord(bytes, static_cast<std::uint32_t>(nodes.size()));
-        PutWord(bytes, static_cast<std::uint32_t>(72 + nodeTable.size()));
-        PutWord(bytes, static_cast<std::uint32_t>(materials.size()));
-        bytes.resize(72, 'h');
-        return bytes + nodeTable + materialTable;
+        ByteString header{magic.substr(0, 4)};
+        header.Word(version).Word(72).Word(nodes.size()).Word(72 + nodeTable.size());
+        header.Word(materials.size()).bytes.resize(72, 'h');
+        return header.bytes + nodeTable + materialTable;
     }
 };
 
@@ -78,38 +58,35 @@ struct WholeProjectFile : ProjectFile {
 
     // Ambient (grey, opaque), black background, fog off with colour 0 and values 0, 1, 1.
     static std::string Settings(float ambient, const std::string& notes) {
-        std::string bytes;
-        PutFloats(bytes, {ambient, ambient, ambient, 1, 0, 0, 0, 1});
-        PutWord(bytes, 0);
-        PutFloats(bytes, {0, 0, 0, 0, 1, 1});
-        PutWord(bytes, static_cast<std::uint32_t>(notes.size()));
-        return bytes + notes;
+        return ByteString()
+            .Floats({ambient, ambient, ambient, 1, 0, 0, 0, 1})
+            .Word(0)
+            .Floats({0, 0, 0, 0, 1, 1})
+            .Text(notes)
+            .bytes;
     }
 
     std::string Bytes() const {
         const std::string nodeTable = Table(nodes), materialTable = Table(materials);
-        std::string materialBytes, nodeBytes;
-        for (const std::string& record : materialRecords) {
-            PutWord(materialBytes, static_cast<std::uint32_t>(record.size()));
-            materialBytes += record;
-        }
+        ByteString materialBytes;
+        std::string nodeBytes;
+        for (const std::string& record : materialRecords) materialBytes.Text(record);
         for (const std::string& record : nodeRecords) nodeBytes += record;
         std::uint32_t at = 72;
-        std::string header = magic.substr(0, 4);
-        for (std::uint32_t word : {version, at, std::uint32_t(nodes.size())}) PutWord(header, word);
+        ByteString header{magic.substr(0, 4)};
+        header.Word(version).Word(at).Word(nodes.size());
         at += static_cast<std::uint32_t>(nodeTable.size());
-        PutWord(header, at);
-        PutWord(header, static_cast<std::uint32_t>(materials.size()));
+        header.Word(at).Word(materials.size());
         at += static_cast<std::uint32_t>(materialTable.size());
         for (const std::string* section :
-             {&settings, &std::as_const(materialBytes), &std::as_const(nodeBytes)}) {
-            PutWord(header, at);
-            PutWord(header, static_cast<std::uint32_t>(section->size()));
+             {&settings, &std::as_const(materialBytes.bytes), &std::as_const(nodeBytes)}) {
+            header.Word(at).Word(section->size());
             at += static_cast<std::uint32_t>(section->size());
         }
-        for (std::int32_t value : clock) PutWord(header, static_cast<std::uint32_t>(value));
-        header.resize(72, '\0');
-        return header + nodeTable + materialTable + settings + materialBytes + nodeBytes;
+        for (std::int32_t value : clock) header.Ints({value});
+        header.bytes.resize(72, '\0');
+        return header.bytes + nodeTable + materialTable + settings + materialBytes.bytes +
+               nodeBytes;
     }
 };
 
@@ -133,40 +110,26 @@ struct NodeRecord {
 
     std::string Bytes(std::uint32_t version) const {
         const std::size_t nameSize = version >= 13 ? 64 : 32;
-        std::string bytes;
-        for (std::uint32_t word : {type, subType, recordType, subType})
-            ProjectFile::PutWord(bytes, word);
-        bytes += ProjectFile::Field(name, nameSize) + ProjectFile::Field(parent, nameSize) +
-                 ProjectFile::Field(material, nameSize);
-        ProjectFile::PutWord(bytes, flags);
-        ProjectFile::PutWord(bytes, 0);
-        ProjectFile::PutFloats(bytes,
-                               {color[0], color[1], color[2], color[3], -1, -1, -1, 1, 1, 1});
-        ProjectFile::PutFloats(bytes, {position[0], position[1], position[2], 0, 0, 0, 1, 1, 1, 1});
-        ProjectFile::PutWord(bytes, 1);  // cast shadows
-        ProjectFile::PutWord(bytes, 0);  // receive shadows
+        ByteString r;
+        r.Word(type).Word(subType).Word(recordType).Word(subType);
+        r.Name(name, nameSize).Name(parent, nameSize).Name(material, nameSize);
+        r.Word(flags).Word(0).Floats({color[0], color[1], color[2], color[3], -1, -1, -1, 1, 1, 1});
+        r.Floats({position[0], position[1], position[2], 0, 0, 0, 1, 1, 1, 1});
+        r.Word(1).Word(0);  // cast shadows, receive shadows
         if (version >= 7) {
-            for (std::uint32_t word : {0u, 0u, std::uint32_t(ikLocked)})
-                ProjectFile::PutWord(bytes, word);
-            ProjectFile::PutFloats(bytes, {10, -90, -90, -90, 90, 90, 90, 0, 0, 0, 1});
-            ProjectFile::PutWord(bytes, static_cast<std::uint32_t>(ikIterations));
-            ProjectFile::PutWord(bytes, 2);
+            r.Ints({0, 0, ikLocked}).Floats({10, -90, -90, -90, 90, 90, 90, 0, 0, 0, 1});
+            r.Ints({ikIterations, 2});
         }
-        if (version >= 15) ProjectFile::PutWord(bytes, static_cast<std::uint32_t>(seeThrough));
-        ProjectFile::PutWord(bytes, static_cast<std::uint32_t>(notes.size()));
-        bytes += notes;
-        ProjectFile::PutWord(bytes, static_cast<std::uint32_t>(keys.size()));
-        ProjectFile::PutWord(bytes,
-                             static_cast<std::uint32_t>(keys.empty() ? 0 : keys.front().time));
-        ProjectFile::PutWord(bytes,
-                             static_cast<std::uint32_t>(keys.empty() ? 0 : keys.back().time));
+        if (version >= 15) r.Ints({seeThrough});
+        r.Text(notes).Word(keys.size());
+        r.Ints({keys.empty() ? 0 : keys.front().time, keys.empty() ? 0 : keys.back().time});
         for (const Key& key : keys) {
-            ProjectFile::PutWord(bytes, static_cast<std::uint32_t>(key.time));
-            for (float v : key.position) ProjectFile::PutFloat(bytes, v);
-            for (float v : key.rotation) ProjectFile::PutFloat(bytes, v);
-            for (float v : key.scale) ProjectFile::PutFloat(bytes, v);
+            r.Ints({key.time});
+            for (float v : key.position) r.Floats({v});
+            for (float v : key.rotation) r.Floats({v});
+            for (float v : key.scale) r.Floats({v});
         }
-        return bytes;
+        return r.bytes;
     }
 };
 
@@ -339,7 +302,7 @@ inline WholeProjectFile RobotFile(std::uint32_t version) {
     file.version = version;
     file.nodes = {"Arm", base};
     file.materials = {"Steel"};
-    file.materialRecords = {ProjectFile::Field("Steel", version >= 13 ? 64 : 32)};
+    file.materialRecords = {ByteString().Name("Steel", version >= 13 ? 64 : 32).bytes};
     file.nodeRecords = {root.Bytes(version), arm.Bytes(version)};
     file.settings = WholeProjectFile::Settings(0.5f, "Old notes");
     file.clock[1] = 200;

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -33,9 +31,7 @@ protected:
 
     std::string Write(const std::string& bytes) {
         const std::string path = folder.File("written.orv");
-        std::remove(path.c_str());
-        std::ofstream(path, std::ios::binary)
-            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        WriteFileBytes(path, bytes);
         return path;
     }
 

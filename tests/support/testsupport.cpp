@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -82,6 +83,27 @@ std::string ReadFileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in) return std::string();
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void WriteFileBytes(const std::string& path, const std::string& bytes) {
+    // A fresh file each time: rewriting one in place makes some file systems flush it to disk.
+    std::remove(path.c_str());
+    std::ofstream(path, std::ios::binary)
+        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string Saved(const std::function<void(cio_save&)>& save) {
+    TempDir dir;
+    cio_save out;
+    if (out.Open(dir.File("saved.bin").c_str()) != 0) return "<open failed>";
+    save(out);
+    out.Close();
+    return ReadFileBytes(dir.File("saved.bin"));
+}
+
+RecordStream::RecordStream(const std::string& bytes) {
+    WriteFileBytes(dir.File("in.bin"), bytes);
+    opened = in.Open(dir.File("in.bin").c_str()) == 0;
 }
 
 std::string SharedDataPath(const std::string& relative) {

@@ -2,8 +2,11 @@
 #ifndef ORVANE_TESTS_SUPPORT_TESTSUPPORT_H
 #define ORVANE_TESTS_SUPPORT_TESTSUPPORT_H
 
+#include <functional>
 #include <string>
 #include <vector>
+
+#include "cio.h"
 
 // While alive, failed assertions are recorded instead of ending the process: _AbortApp and the
 // message-box handler record what they are given, and path_app points at a fresh temporary
@@ -46,6 +49,20 @@ private:
 
 // Reads a whole file as bytes ("" when it cannot be opened).
 std::string ReadFileBytes(const std::string& path);
+
+// Writes `bytes` to `path` as a fresh file, replacing any file of that name.
+void WriteFileBytes(const std::string& path, const std::string& bytes);
+
+// The bytes `save` writes to a fresh file ("<open failed>" if it cannot be created).
+std::string Saved(const std::function<void(cio_save&)>& save);
+
+// A stream reading the given bytes from a file that lives as long as it does.
+struct RecordStream {
+    explicit RecordStream(const std::string& bytes);
+    TempDir dir;
+    cio_load in;
+    bool opened;  // whether the stream could open its file
+};
 
 // The shared real-world data folder (meshes, polygons, images).
 std::string SharedDataPath(const std::string& relative);
