@@ -6,6 +6,8 @@
 #include <memory>
 #include <new>
 
+#include "platform/filesize.h"
+
 // SetPosition passes its origin straight to the C library.
 static_assert(SEEK_SET == 0 && SEEK_CUR == 1 && SEEK_END == 2, "seek origins are 0, 1 and 2");
 
@@ -66,8 +68,12 @@ int cio_load::Skip(unsigned int bytes) {
 
 unsigned long cio_load::BytesLeft() const {
     const long position = GetPosition();
-    const long size = Size();
-    if (position < 0 || size <= position) return 0;
+    if (position < 0) return 0;
+    // Loaders ask before every counted field: the file system answers without the seeks,
+    // which would throw away the stream's read buffer. Other files take the seeking way.
+    long size = RegularFileSize(file);
+    if (size < 0) size = Size();
+    if (size <= position) return 0;
     return static_cast<unsigned long>(size - position);
 }
 
