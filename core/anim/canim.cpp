@@ -22,14 +22,12 @@ cpoint3 Lerp(const cpoint3& previous, const cpoint3& next, double u) {
 }
 
 // Position and scale linear, rotation spherical, at the fraction of the way to `next` where t
-// lies (computed in double precision).
-ckey Blend(const ckey& previous, const ckey& next, int t) {
+// lies (computed in double precision), written straight into `key` (see InterpolateKeys).
+void Blend(const ckey& previous, const ckey& next, int t, ckey& key) {
     const double u = keyarray::Fraction(t, previous.time, next.time);
-    ckey key;
     key.position = Lerp(previous.position, next.position, u);
     key.rotation = Slerp(previous.rotation, next.rotation, static_cast<float>(u));
     key.scale = Lerp(previous.scale, next.scale, u);
-    return key;
 }
 
 int WriteKey(cio_save& out, const ckey& key) {

@@ -69,30 +69,17 @@ void IndicesBetween(int t0, int t1, int count, const K* keys, int& first, int& l
     last = FirstLater(t1, count, keys) - 1;
 }
 
-// Where time t falls: the key exactly at t, else the last key before t and the first after it
-// (-1 for each that is missing).
-struct Bracket {
-    int exact = -1;
-    int previous = -1;
-    int next = -1;
-};
-
-// The bracket is the same as a forward scan from FindEntry would find; it is located with a
-// branching binary search, which the processor speculates through far faster than the
-// halving search's data-dependent steps on long tracks.
+// Where time t falls: the number of keys at or before t, so that keys[i - 1] is the key at t
+// or the last key before it and keys[i] the first key after it (where they exist). This is
+// what a forward scan from FindEntry would find; it is located with a branching binary search,
+// which the processor speculates through far faster than the halving search's data-dependent
+// steps on long tracks. One index rather than a struct of three: a small struct returned
+// through memory is written in pieces and read back whole, stalling store forwarding.
 template <class K>
-Bracket FindBracket(int t, int count, const K* keys) {
+int KeysUpTo(int t, int count, const K* keys) {
     const K* later = std::upper_bound(keys, keys + count, t,
                                       [](int time, const K& key) { return time < key.time; });
-    const int i = static_cast<int>(later - keys);
-    Bracket found;
-    if (i > 0 && keys[i - 1].time == t) {
-        found.exact = i - 1;
-        return found;
-    }
-    found.previous = i - 1;
-    found.next = i < count ? i : -1;
-    return found;
+    return static_cast<int>(later - keys);
 }
 
 // The fraction of the way from time tp to time tn at which t lies, in double precision.
@@ -100,8 +87,11 @@ inline double Fraction(int t, int tp, int tn) {
     return (static_cast<double>(t) - tp) / (static_cast<double>(tn) - tp);
 }
 
-// The track's value at t, shared by every key type. `blend(previous, next, t)` gives the
-// interpolated payload; `report(ok, text)` is told whether a held end key was found.
+// The track's value at t, shared by every key type. `blend(previous, next, t, key)` writes the
+// interpolated payload into `key` field by field: a key built aside and copied over would be
+// stored in pieces and read back whole, which stalls the processor's store forwarding on every
+// call. Each field is read before it is written, so `key` may be one of the two keys. The
+// function `report(ok, text)` is told whether a held end key was found.
 template <class K, class Blend, class Report>
 int InterpolateKeys(int t, int count, const K* keys, int first, int last, K& key, Blend blend,
                     Report report) {
@@ -114,13 +104,14 @@ int InterpolateKeys(int t, int count, const K* keys, int first, int last, K& key
         key.time = t;
         return 1;
     }
-    const Bracket found = FindBracket(t, count, keys);
-    if (found.exact >= 0) {
-        key = keys[found.exact];
+    const int i = KeysUpTo(t, count, keys);
+    if (i > 0 && keys[i - 1].time == t) {
+        key = keys[i - 1];
         return 1;
     }
-    if (found.previous < 0 || found.next < 0) return 0;
-    key = blend(keys[found.previous], keys[found.next], t);
+    // No key before t, or none after it.
+    if (i == 0 || i >= count) return 0;
+    blend(keys[i - 1], keys[i], t, key);
     key.time = t;
     return 1;
 }

@@ -73,9 +73,9 @@ int cparamanim<K>::GetKey(int t, K& key) const {
 
 template <class K>
 int cparamanim<K>::GetInterpolateKey(int t, K& key) const {
-    const auto blend = [](const K& previous, const K& next, int at) {
+    const auto blend = [](const K& previous, const K& next, int at, K& key) {
         const double f = keyarray::Fraction(at, previous.time, next.time);
-        return K::Interpolate(previous, next, static_cast<float>(f));
+        key = K::Interpolate(previous, next, static_cast<float>(f));
     };
     return keyarray::InterpolateKeys(t, nkeys, keys, firstkeytime, lastkeytime, key, blend, Check);
 }
