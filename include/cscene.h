@@ -295,6 +295,8 @@ private:
     // The mean world position of the selected nodes at `time`, or (0, 0, 0).
     cpoint3 SelectedPivotsCenter(int time) const;
     void DropNodeFromCounters(cnode* node);
+    // The flag changes and counting of a node that has just joined the array.
+    void JoinCounters(cnode* node);
     void SendToNodes(unsigned long msg, void* a, void* b);
 
     cnode** nodes = nullptr;  // nnodes entries, null when empty

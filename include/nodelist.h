@@ -38,9 +38,12 @@ public:
     // The table's i-th name (zero-terminated, at most 63 characters), or null for an index
     // outside the table or without a table. The project loader matches records against it.
     static char const* GetNameAt(int i);
-    // MainScene's node named `name`, or null.
+    // MainScene's node named `name`, or null. While LoadProjectFile reads node records, the
+    // first node loaded so far that bears the name: the loaded nodes join MainScene together
+    // after the last record, so a record's loader finds earlier nodes here, not in MainScene.
     static cnode* FindNode(char const* name);
-    // MainScene's index of `node`, or -1.
+    // MainScene's index of `node`, or -1; during LoadProjectFile, its position among the nodes
+    // loaded so far.
     static int Find(cnode* node);
 };
 

@@ -685,7 +685,8 @@ int cnode::Load(cio_load& in, unsigned long version) {
     if (version >= SEE_THROUGH_VERSION) field(ReadInt32, seeThrough);
     int length = 0;
     field(ReadInt32, length);
-    if (!field.ok || !StreamHolds(in, length, 1)) return 0;
+    // Most nodes have no notes; asking the stream what it holds costs a call to the file system.
+    if (!field.ok || (length != 0 && !StreamHolds(in, length, 1))) return 0;
     if (length > 0) {
         ClearNotes();
         notes = NewNotesBuffer(length, "notes", ReportCheck);

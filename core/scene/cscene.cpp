@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "animclock.h"
 #include "cmaterial.h"
@@ -43,6 +46,53 @@ int AppendOne(T**& items, int& count, T* item, char const* what) {
     items = grown;
     ++count;
     return 1;
+}
+
+// The entries of `list` that adding them one at a time would take: nulls are skipped, and the
+// first entry already among the `count` items (or earlier in `list`) ends the list.
+template <class T>
+std::vector<T*> EntriesToAdd(T* const* items, int count, T* const* list, int listCount) {
+    std::unordered_set<const T*> present(items, items + count);
+    std::vector<T*> added;
+    for (int i = 0; i < listCount; ++i) {
+        if (!list[i]) continue;
+        if (!present.insert(list[i]).second) break;
+        added.push_back(list[i]);
+    }
+    return added;
+}
+
+// Appends all of `added` with one allocation: the same array as appending them one at a time,
+// without copying the old entries once per entry. Returns 0, changing nothing and reporting
+// nothing, when the array cannot be allocated; the caller then goes one at a time, which
+// reports as each single append does.
+template <class T>
+int AppendAll(T**& items, int& count, const std::vector<T*>& added) {
+    if (added.empty()) return 1;
+    const unsigned long total = static_cast<unsigned long>(count) + added.size();
+    auto** grown = static_cast<T**>(array_new(sizeof(T*) * total));
+    if (!grown) return 0;
+    std::copy(items, items + count, grown);
+    std::copy(added.begin(), added.end(), grown + count);
+    array_delete(items);
+    items = grown;
+    count = static_cast<int>(total);
+    return 1;
+}
+
+// Adds the entries of `list` to the array at once, as adding them one at a time would, and
+// calls `joined` on each in order. Returns 0, changing nothing, when that cannot be done in
+// one piece (out of memory); the caller then adds them one at a time.
+template <class T, class Joined>
+int AddAllAtOnce(T**& items, int& count, T* const* list, int listCount, Joined joined) {
+    try {
+        const std::vector<T*> added = EntriesToAdd(items, count, list, listCount);
+        if (!AppendAll(items, count, added)) return 0;
+        for (T* item : added) joined(item);
+        return 1;
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
 }
 
 // Closes the gap at `index`; the block is freed once the last entry has gone.
@@ -191,6 +241,12 @@ void cscene::AddNode(cnode* node, int flag) {
 
 void cscene::AddNodeArray(cnode** list, int count, int flag) {
     if (!list) return;
+    // Without renaming no node depends on the ones added before it, so the array can grow once
+    // (a loaded project hands over all its nodes here). A rename looks at the nodes added
+    // before, so with `flag` 0 the nodes go one at a time.
+    if (flag != 0 &&
+        AddAllAtOnce(nodes, nnodes, list, count, [this](cnode* node) { JoinCounters(node); }))
+        return;
     for (int i = 0; i < count; ++i) {
         if (!list[i]) continue;
         // Intended: the first node already in the scene ends the whole addition.
@@ -201,11 +257,14 @@ void cscene::AddNodeArray(cnode** list, int count, int flag) {
 
 void cscene::AddToScene(cnode* node, int flag) {
     if (flag == 0) EvalUniqueName(node);
+    if (AppendOne(nodes, nnodes, node, "nodes")) JoinCounters(node);
+}
+
+void cscene::JoinCounters(cnode* node) {
     // A node coming back from the undo history sheds its deleted mark; a node loaded hidden
     // stays hidden and, hidden, cannot be selected.
     unsigned long fl = node->GetFlags() & ~FLAG_DELETED;
     if (fl & FLAG_HIDDEN) fl &= ~FLAG_SELECTED;
-    if (!AppendOne(nodes, nnodes, node, "nodes")) return;
     if (fl != node->GetFlags()) node->SetFlags(fl);
     if (fl & FLAG_HIDDEN) ++nhidden;
     if (fl & FLAG_SELECTED) {
@@ -360,6 +419,8 @@ void cscene::AddMaterial(cmaterial* material, int flag) {
 
 void cscene::AddMaterialArray(cmaterial** list, int count, int flag) {
     if (!list) return;
+    // As AddNodeArray: without renaming the array grows once.
+    if (flag != 0 && AddAllAtOnce(materials, nmaterials, list, count, [](cmaterial*) {})) return;
     for (int i = 0; i < count; ++i) {
         if (!list[i]) continue;
         // Intended: the first material already in the scene ends the whole addition.

@@ -1,8 +1,11 @@
 // NodeList: the node name table of the project file being loaded.
 #include "nodelist.h"
 
+#include <algorithm>
+
 #include "cscene.h"
 #include "runtime/check.h"
+#include "scene/loadingnodes.h"
 #include "scene/nametable.h"
 
 namespace {
@@ -12,6 +15,11 @@ NameTable& Table() {
     return table;
 }
 
+const LoadingNodes*& Loading() {
+    static const LoadingNodes* loading = nullptr;
+    return loading;
+}
+
 char* AllocateNodeNames(unsigned long bytes) {
     char* names = static_cast<char*>(array_new(bytes));
     CORE_CHECK(names != nullptr, "nodenames");
@@ -19,6 +27,10 @@ char* AllocateNodeNames(unsigned long bytes) {
 }
 
 }  // namespace
+
+void SetLoadingNodes(const LoadingNodes* loading) {
+    Loading() = loading;
+}
 
 int NodeList::ReadNodeNames(cio_load& in) {
     return Table().Read(in, PROJECT_NODE_TABLE_OFFSET_AT, PROJECT_NODE_COUNT_AT, AllocateNodeNames);
@@ -35,7 +47,7 @@ int NodeList::IsLoaded() {
 cnode* NodeList::GetNodeAt(int i) {
     if (!Table().Loaded()) return MainScene.GetNodeAt(i);
     char const* name = Table().NameAt(i);
-    return name ? MainScene.FindNode(name) : nullptr;
+    return name ? FindNode(name) : nullptr;
 }
 
 int NodeList::NumNodes() {
@@ -47,9 +59,16 @@ char const* NodeList::GetNameAt(int i) {
 }
 
 cnode* NodeList::FindNode(char const* name) {
-    return MainScene.FindNode(name);
+    const LoadingNodes* loading = Loading();
+    if (!loading) return MainScene.FindNode(name);
+    if (!name) return nullptr;
+    const auto found = loading->byName.find(name);
+    return found == loading->byName.end() ? nullptr : found->second;
 }
 
 int NodeList::Find(cnode* node) {
-    return MainScene.Find(node);
+    const LoadingNodes* loading = Loading();
+    if (!loading) return MainScene.Find(node);
+    const auto found = std::find(loading->nodes.begin(), loading->nodes.end(), node);
+    return found == loading->nodes.end() ? -1 : static_cast<int>(found - loading->nodes.begin());
 }

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -25,6 +26,7 @@
 #include "cscene.h"
 #include "mtllist.h"
 #include "nodelist.h"
+#include "scene/loadingnodes.h"
 
 namespace {
 
@@ -260,64 +262,114 @@ int PeekRecordHead(cio_load& in, unsigned long version, RecordHead& head) {
 
 // A table name as a record of `version` holds it: record names below version 13 keep 31
 // characters, while the tables always have 64-byte fields.
-std::string RecordName(char const* tableName, unsigned long version) {
-    return std::string(tableName ? tableName : "").substr(0, NameFieldSize(version) - 1);
+// The view lives as long as the table.
+std::string_view RecordName(char const* tableName, unsigned long version) {
+    const std::string_view name(tableName ? tableName : "");
+    return name.substr(0, NameFieldSize(version) - 1);
 }
+
+// Loaded items on their way into MainScene. They are handed over all at once, so that the
+// scene's array grows once instead of once per item; whatever MainScene has not taken is
+// destroyed with this, in load order (parents before children, as ClearNodes goes).
+template <class T>
+class Pending {
+public:
+    explicit Pending(std::vector<T*>& items) : items(items) {}
+    ~Pending() {
+        for (T* item : items) item->Delete();
+    }
+    Pending(const Pending&) = delete;
+    Pending& operator=(const Pending&) = delete;
+
+    // Hands the items to MainScene through `addArray` (which keeps their names) and answers 1
+    // when it took them all. Only running out of memory makes it take fewer; those stay here.
+    template <class AddArray, class Count, class At>
+    int HandOver(AddArray addArray, Count count, At at) {
+        const int before = count();
+        addArray(items.data(), static_cast<int>(items.size()));
+        const auto added = static_cast<size_t>(count() - before);
+        if (added != items.size()) {
+            std::unordered_set<const T*> taken;
+            for (int i = before; i < count(); ++i) taken.insert(at(i));
+            std::vector<T*> left;
+            for (T* item : items)
+                if (!taken.count(item)) left.push_back(item);
+            items.swap(left);
+            return 0;
+        }
+        items.clear();
+        return 1;
+    }
+
+private:
+    std::vector<T*>& items;
+};
+
+// The loaded nodes, which NodeList consults instead of MainScene until they are handed over.
+class PendingNodes {
+public:
+    // `expected` only sizes the tables.
+    explicit PendingNodes(size_t expected) : loading(expected) { SetLoadingNodes(&loading); }
+    ~PendingNodes() { SetLoadingNodes(nullptr); }
+    PendingNodes(const PendingNodes&) = delete;
+    PendingNodes& operator=(const PendingNodes&) = delete;
+
+    void Add(cnode* node) { loading.Add(node); }
+    int HandOver() {
+        SetLoadingNodes(nullptr);
+        return owner.HandOver([](cnode** nodes, int n) { MainScene.AddNodeArray(nodes, n, 1); },
+                              [] { return MainScene.NumNodes(); },
+                              [](int i) { return MainScene.GetNodeAt(i); });
+    }
+
+private:
+    LoadingNodes loading;
+    Pending<cnode> owner{loading.nodes};
+};
 
 // What reading the records needs besides the header.
 struct Loading {
     cio_load& in;
     const Header& header;
-    std::unordered_set<std::string> tableNodeNames;
+    std::unordered_set<std::string_view> tableNodeNames;
+    PendingNodes nodes;
 };
-
-// Hands a loaded item to MainScene with `add`, which keeps its name; destroys it when the
-// scene cannot take it (its array could not grow).
-template <class T, class Add, class Count>
-int AddToMainScene(T* item, Add add, Count count) {
-    const int before = count();
-    add(item);
-    if (count() > before) return 1;
-    item->Delete();
-    return 0;
-}
-
-int AddNodeToMainScene(cnode* node) {
-    return AddToMainScene(
-        node, [](cnode* n) { MainScene.AddNode(n, 1); }, [] { return MainScene.NumNodes(); });
-}
-
-int AddMaterialToMainScene(cmaterial* material) {
-    return AddToMainScene(
-        material, [](cmaterial* m) { MainScene.AddMaterial(m, 1); },
-        [] { return MainScene.NumMaterials(); });
-}
 
 // The i-th material record: its length word, then the record, which must bear the table's
 // i-th name.
-int LoadMaterialRecord(Loading& loading, std::uint32_t i) {
+int LoadMaterialRecord(Loading& loading, std::uint32_t i, std::vector<cmaterial*>& loaded) {
     cio_load& in = loading.in;
     std::uint32_t length = 0;
     if (!ReadUInt32(in, length)) return 0;
     const long long end = in.GetPosition() + static_cast<long long>(length);
     if (end > loading.header.materials.End()) return 0;
     cmaterial* material = ReadMaterialRecord(in, loading.header.version, length);
-    if (!material || !AddMaterialToMainScene(material)) return 0;
+    if (!material) return 0;
+    loaded.push_back(material);
     return RecordName(MtlList::GetNameAt(static_cast<int>(i)), loading.header.version) ==
                material->GetName() &&
            in.SetPosition(static_cast<long>(end), 0) == 0;
 }
 
+// The materials join MainScene together once all are read, before the node records that
+// look them up by name.
 int LoadMaterials(Loading& loading) {
     const Section& section = loading.header.materials;
     if (loading.in.SetPosition(section.offset, 0) != 0) return 0;
+    std::vector<cmaterial*> loaded;
+    Pending<cmaterial> pending(loaded);
     for (std::uint32_t i = 0; i < loading.header.numMaterials; ++i)
-        if (!LoadMaterialRecord(loading, i)) return 0;
-    return loading.in.GetPosition() == section.End();
+        if (!LoadMaterialRecord(loading, i, loaded)) return 0;
+    return loading.in.GetPosition() == section.End() &&
+           pending.HandOver(
+               [](cmaterial** materials, int n) { MainScene.AddMaterialArray(materials, n, 1); },
+               [] { return MainScene.NumMaterials(); },
+               [](int i) { return MainScene.GetMaterialAt(i); });
 }
 
 // One node record: the type and sub-type words, then the node's own record, which repeats
-// them. The node joins MainScene at once, so that the records after it find it as a parent.
+// them. The node joins the loaded nodes at once, so that the records after it find it as a
+// parent through NodeList.
 int LoadNodeRecord(Loading& loading) {
     cio_load& in = loading.in;
     std::uint32_t type = 0, subType = 0;
@@ -329,7 +381,7 @@ int LoadNodeRecord(Loading& loading) {
     // Parents are written first: a parent that the table names but no earlier record gave is
     // a later record, which only a damaged file or a parent cycle produces. A parent the
     // table does not name is left unresolved, and the node stays a root.
-    if (head.parent[0] && !MainScene.FindNode(head.parent) &&
+    if (head.parent[0] && !NodeList::FindNode(head.parent) &&
         loading.tableNodeNames.count(head.parent))
         return 0;
     cnode* node = CreateNodeForRecord(type, subType);
@@ -338,7 +390,8 @@ int LoadNodeRecord(Loading& loading) {
         node->Delete();
         return 0;
     }
-    return AddNodeToMainScene(node) && in.GetPosition() <= loading.header.nodes.End();
+    loading.nodes.Add(node);
+    return in.GetPosition() <= loading.header.nodes.End();
 }
 
 int LoadNodes(Loading& loading) {
@@ -346,27 +399,39 @@ int LoadNodes(Loading& loading) {
     if (loading.in.SetPosition(section.offset, 0) != 0) return 0;
     for (std::uint32_t i = 0; i < loading.header.numNodes; ++i)
         if (!LoadNodeRecord(loading)) return 0;
-    return loading.in.GetPosition() == section.End();
+    return loading.in.GetPosition() == section.End() && loading.nodes.HandOver();
 }
 
 // Records come parents first; the scene takes the table's order back. Each table name claims
 // the earliest loaded node of that name not yet claimed, so repeated names pair up too.
 int PutNodesInTableOrder(unsigned long version) {
     const int count = MainScene.NumNodes();
-    std::unordered_map<std::string, std::vector<int>> byName;  // latest first
-    for (int i = count - 1; i >= 0; --i) byName[MainScene.GetNodeAt(i)->GetName()].push_back(i);
+    // Per name the earliest unclaimed node; `later` chains each node to the next of its name.
+    // The keys view the nodes' own names.
+    std::unordered_map<std::string_view, int> earliest;
+    earliest.reserve(static_cast<size_t>(count));
+    std::vector<int> later(static_cast<size_t>(count), -1);
+    for (int i = count - 1; i >= 0; --i) {
+        const auto placed = earliest.emplace(MainScene.GetNodeAt(i)->GetName(), i);
+        if (!placed.second) {
+            later[static_cast<size_t>(i)] = placed.first->second;
+            placed.first->second = i;
+        }
+    }
     cbitarray order(count);
     for (int k = 0; k < count; ++k) {
-        const auto found = byName.find(RecordName(NodeList::GetNameAt(k), version));
-        if (found == byName.end() || found->second.empty()) return 0;
-        order.Set(k, found->second.back());
-        found->second.pop_back();
+        const auto found = earliest.find(RecordName(NodeList::GetNameAt(k), version));
+        if (found == earliest.end() || found->second < 0) return 0;
+        order.Set(k, found->second);
+        found->second = later[static_cast<size_t>(found->second)];
     }
     return MainScene.SetNodeOrder(order);
 }
 
-std::unordered_set<std::string> TableNodeNames(unsigned long version) {
-    std::unordered_set<std::string> names;
+// Views into NodeList's table, which stays loaded while the records are read.
+std::unordered_set<std::string_view> TableNodeNames(unsigned long version) {
+    std::unordered_set<std::string_view> names;
+    names.reserve(static_cast<size_t>(NodeList::NumNodes()));
     for (int i = 0; i < NodeList::NumNodes(); ++i)
         names.insert(RecordName(NodeList::GetNameAt(i), version));
     return names;
@@ -422,9 +487,10 @@ int LoadProject(char const* path) {
     const NameTables tables(in);
     SceneSettings settings;
     if (!tables.ok || !ReadSettings(in, header.settings, settings)) return 0;
-    Loading loading{in, header, TableNodeNames(header.version)};
-
     SceneTransaction transaction;
+    // After the transaction, so that nodes never handed over die while the materials they may
+    // refer to still live.
+    Loading loading{in, header, TableNodeNames(header.version), PendingNodes(header.numNodes)};
     if (!LoadMaterials(loading) || !LoadNodes(loading) || !PutNodesInTableOrder(header.version))
         return 0;
     transaction.Commit();
@@ -451,7 +517,10 @@ std::vector<cnode*> RecordOrder() {
 // 1 when LoadProjectFile will accept the records in this order: every parent name that some
 // node of the scene bears is borne by an earlier record. A looping parent chain fails this.
 int ParentsComeFirst(const std::vector<cnode*>& nodes) {
-    std::unordered_set<std::string> all, earlier;
+    // Views into the nodes' own names, which do not change while the scene is saved.
+    std::unordered_set<std::string_view> all, earlier;
+    all.reserve(nodes.size());
+    earlier.reserve(nodes.size());
     for (const cnode* node : nodes) all.insert(node->GetName());
     for (const cnode* node : nodes) {
         const cnode* parent = node->GetParent();

@@ -109,6 +109,31 @@ TEST_F(SceneTest, ArrayAdditionStopsAtTheFirstNodeAlreadyPresent) {
     EXPECT_EQ(MainScene.RemoveMaterialAt(1), &m1) << "M1 added, M3 not";
 }
 
+TEST_F(SceneTest, ArrayAdditionCountsEachNodeAsSingleAdditionsDo) {
+    TestNode* present = Add("Present");
+    TestNode* hiddenSelected = Outside("HiddenSelected");
+    hiddenSelected->SetFlags(FLAG_HIDDEN | FLAG_SELECTED);
+    TestNode* selected = Outside("Selected");
+    selected->SetFlags(FLAG_SELECTED | FLAG_DELETED);
+    TestNode* plain = Outside("Plain");
+    TestNode* after = Outside("After");
+    // Null is skipped; the second `plain` is in the scene by then and ends the addition.
+    cnode* list[] = {hiddenSelected, nullptr, selected, plain, plain, after};
+    MainScene.AddNodeArray(list, 6, 1);
+    for (cnode* node : {hiddenSelected, selected, plain}) Adopted(node);
+    ASSERT_EQ(MainScene.NumNodes(), 4);
+    EXPECT_EQ(MainScene.GetNodeAt(0), present);
+    EXPECT_EQ(MainScene.GetNodeAt(1), hiddenSelected);
+    EXPECT_EQ(MainScene.GetNodeAt(2), selected);
+    EXPECT_EQ(MainScene.GetNodeAt(3), plain);
+    EXPECT_EQ(MainScene.Find(after), -1);
+    EXPECT_EQ(hiddenSelected->GetFlags(), FLAG_HIDDEN) << "a hidden node cannot stay selected";
+    EXPECT_EQ(selected->GetFlags(), FLAG_SELECTED) << "the deleted mark is shed";
+    EXPECT_EQ(MainScene.NumHidden(), 1);
+    EXPECT_EQ(MainScene.NumSelected(), 1);
+    EXPECT_EQ(MainScene.GetSelNode(), selected);
+}
+
 TEST_F(SceneTest, CountersFollowSelectionAndVisibility) {
     TestNode* a = Add("A");
     TestNode* b = Add("B");

@@ -1,0 +1,37 @@
+// Internal: the nodes of the project file being loaded, before they join MainScene.
+//
+// The loader keeps them here rather than adding each to MainScene, whose array grows by one
+// entry per addition and whose name lookup is a scan: both would make a load quadratic in the
+// number of nodes. NodeList answers from here while a load is in progress.
+#ifndef ORVANE_CORE_SCENE_LOADINGNODES_H
+#define ORVANE_CORE_SCENE_LOADINGNODES_H
+
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "cnode.h"
+
+struct LoadingNodes {
+    explicit LoadingNodes(size_t expected = 0) {
+        nodes.reserve(expected);
+        byName.reserve(expected);
+    }
+
+    std::vector<cnode*> nodes;  // in load order
+    // The first loaded node of each name, as MainScene.FindNode finds the first bearer. The
+    // keys view the nodes' own name buffers, which stay put while the nodes live.
+    std::unordered_map<std::string_view, cnode*> byName;
+
+    // Appends a node whose record has been read completely.
+    void Add(cnode* node) {
+        nodes.push_back(node);
+        byName.emplace(node->GetName(), node);
+    }
+};
+
+// While `loading` is set (non-null), NodeList::FindNode and NodeList::Find answer as MainScene
+// would if it held exactly the loaded nodes, in load order.
+void SetLoadingNodes(const LoadingNodes* loading);
+
+#endif
