@@ -7,8 +7,10 @@
 // Degrees to radians in double precision, so sines and cosines of whole angles are exact to
 // float precision (sin 90 is exactly 1).
 constexpr double kRadiansPerDegree = 0.017453292519943295;
-// Radians back to degrees, in float like the angles it converts.
+// Radians back to degrees, in float like the angles it converts, and in double where the
+// conversion works on doubles.
 constexpr float kDegreesPerRadian = 57.29578f;
+constexpr double kDegreesPerRadianDouble = 57.29577951308232;
 
 inline double ToRadians(float degrees) {
     return degrees * kRadiansPerDegree;

@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "cnode.h"
+#include "math/angles.h"
 
 namespace {
 
 // Below this length a direction is undefined and the joint is left alone.
 constexpr float MIN_ARM = 1e-6f;
-constexpr double DEGREES_PER_RADIAN = 57.29577951308232;
 
 // The joints that may turn: nearest ancestor first, at most the effector's recursion depth,
 // stopping before the first locked one.
@@ -45,7 +45,7 @@ cquat RotationBetween(cpoint3 from, cpoint3 to, float maxDegrees) {
         axis = Perpendicular(from);
     }
     // atan2 keeps small angles exact where acos of a cosine rounded to 1 would give 0.
-    const auto degrees = static_cast<float>(std::atan2(sine, cosine) * DEGREES_PER_RADIAN);
+    const auto degrees = static_cast<float>(std::atan2(sine, cosine) * kDegreesPerRadianDouble);
     return QuatFromAngleAxis(std::min(degrees, maxDegrees), Normalize(axis));
 }
 
