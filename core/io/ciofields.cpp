@@ -7,6 +7,8 @@
 #include <cstring>
 #include <limits>
 
+#include "io/cioblock.h"
+
 static_assert(sizeof(int) == 4 && sizeof(unsigned int) == 4, "ints are 32 bits");
 static_assert(sizeof(float) == 4 && std::numeric_limits<float>::is_iec559,
               "floats are 32-bit IEEE values");
@@ -15,26 +17,54 @@ namespace {
 
 using Bits = std::uint32_t;
 
-// Writes N values of Width bytes each as one block, least significant byte first.
-template <unsigned Width, std::size_t N>
-int WriteFields(cio_save& out, const std::array<Bits, N>& values) {
-    std::array<unsigned char, Width * N> bytes;
-    for (std::size_t i = 0; i < N; ++i)
+// On a little-endian machine a value's low Width bytes are its field; elsewhere they are
+// assembled byte by byte.
+constexpr bool kLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+
+template <unsigned Width>
+void Encode(Bits value, unsigned char* bytes) {
+    if constexpr (kLittleEndian) {
+        std::memcpy(bytes, &value, Width);
+    } else {
         for (unsigned b = 0; b < Width; ++b)
-            bytes[i * Width + b] = static_cast<unsigned char>(values[i] >> (8 * b));
-    return out.Write(bytes.data(), Width * N);
+            bytes[b] = static_cast<unsigned char>(value >> (8 * b));
+    }
 }
 
-// Reads N values of Width bytes each from one block; `values` is only set on success.
+template <unsigned Width>
+Bits Decode(const unsigned char* bytes) {
+    Bits value = 0;
+    if constexpr (kLittleEndian) {
+        std::memcpy(&value, bytes, Width);
+    } else {
+        for (unsigned b = 0; b < Width; ++b) value |= Bits{bytes[b]} << (8 * b);
+    }
+    return value;
+}
+
+// Writes N values of Width bytes each as one piece, least significant byte first.
+template <unsigned Width, std::size_t N>
+int WriteFields(cio_save& out, const std::array<Bits, N>& values) {
+    constexpr unsigned int size = Width * N;
+    std::array<unsigned char, size> local;
+    unsigned char* bytes = CioBlock::Reserve(out, size);
+    const bool direct = bytes != nullptr;
+    if (!direct) bytes = local.data();
+    for (std::size_t i = 0; i < N; ++i) Encode<Width>(values[i], bytes + i * Width);
+    return direct || out.Write(bytes, size);
+}
+
+// Reads N values of Width bytes each from one piece; `values` is only set on success.
 template <unsigned Width, std::size_t N>
 int ReadFields(cio_load& in, std::array<Bits, N>& values) {
-    std::array<unsigned char, Width * N> bytes;
-    if (!in.Read(bytes.data(), Width * N)) return 0;
-    for (std::size_t i = 0; i < N; ++i) {
-        Bits value = 0;
-        for (unsigned b = 0; b < Width; ++b) value |= Bits{bytes[i * Width + b]} << (8 * b);
-        values[i] = value;
+    constexpr unsigned int size = Width * N;
+    std::array<unsigned char, size> local;
+    const unsigned char* bytes = CioBlock::Take(in, size);
+    if (!bytes) {
+        if (!in.Read(local.data(), size)) return 0;
+        bytes = local.data();
     }
+    for (std::size_t i = 0; i < N; ++i) values[i] = Decode<Width>(bytes + i * Width);
     return 1;
 }
 
@@ -138,6 +168,12 @@ int ReadColor(cio_load& in, ccolor& value) {
 
 int WriteName(cio_save& out, char const* name, unsigned int size) {
     if (size == 0) return 0;
+    if (unsigned char* field = CioBlock::Reserve(out, size)) {
+        const std::size_t length = name ? BoundedLength(name, size - 1) : 0;
+        if (length) std::memcpy(field, name, length);
+        std::memset(field + length, 0, size - length);
+        return 1;
+    }
     std::string field(size, '\0');
     if (name) std::memcpy(&field[0], name, BoundedLength(name, size - 1));
     return out.Write(&field[0], size);
@@ -145,6 +181,11 @@ int WriteName(cio_save& out, char const* name, unsigned int size) {
 
 int ReadName(cio_load& in, char* name, unsigned int size) {
     if (size == 0 || !name) return 0;
+    if (const unsigned char* field = CioBlock::Take(in, size)) {
+        std::memcpy(name, field, size - 1);
+        name[size - 1] = '\0';
+        return 1;
+    }
     std::string field(size, '\0');
     if (!in.Read(&field[0], size)) return 0;
     field[size - 1] = '\0';

@@ -101,4 +101,48 @@ TEST(CioStream, SeeksReadsAndSkipsNeverGoPastTheEnd) {
     EXPECT_EQ(load.BytesLeft(), 0u);
 }
 
+// Files several blocks long: reads, skips and seeks that cross block edges see the file's bytes
+// at the positions they ask for, and a writer's waiting bytes count in its position and size.
+TEST(CioStream, BytesCrossBlockEdgesInBothDirections) {
+    TempDir dir;
+    const std::string path = dir.File("long.bin");
+    std::string bytes(200000, '\0');
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 7 % 251);
+    {
+        cio_save save;
+        ASSERT_EQ(save.Open(path.c_str()), 0);
+        ASSERT_EQ(save.Write(&bytes[0], 10), 1);
+        EXPECT_EQ(save.Size(), 10);                   // still waiting in the block
+        ASSERT_EQ(save.Write(&bytes[10], 70000), 1);  // larger than a block
+        ASSERT_EQ(save.Write(&bytes[70010], 129990), 1);
+        EXPECT_EQ(save.GetPosition(), 200000);
+        // Patching earlier bytes hands the waiting ones over first.
+        ASSERT_EQ(save.SetPosition(65530, 0), 0);
+        char patch[12] = "patchpatch!";
+        ASSERT_EQ(save.Write(patch, 11), 1);
+        bytes.replace(65530, 11, patch, 11);
+        EXPECT_EQ(save.Size(), 200000);
+    }
+    ASSERT_EQ(ReadFileBytes(path), bytes);
+
+    cio_load load;
+    ASSERT_EQ(load.Open(path.c_str()), 0);
+    std::string got(100, '\0');
+    const auto readAt = [&](long at, unsigned int n) {
+        got.assign(n, '\0');
+        return load.SetPosition(at, 0) == 0 && load.Read(&got[0], n) == 1 &&
+               got == bytes.substr(static_cast<size_t>(at), n) && load.GetPosition() == at + n;
+    };
+    EXPECT_TRUE(readAt(65500, 100));  // across the first block's end
+    EXPECT_TRUE(readAt(65490, 20));   // back inside the block just read
+    EXPECT_TRUE(readAt(10, 150000));  // larger than a block
+    EXPECT_TRUE(readAt(199990, 10));  // the last bytes
+    ASSERT_EQ(load.SetPosition(-70000, 1), 0);
+    EXPECT_EQ(load.GetPosition(), 130000);
+    EXPECT_EQ(load.Skip(69999), 1);
+    EXPECT_EQ(load.BytesLeft(), 1u);
+    EXPECT_EQ(load.Read(&got[0], 2), 0);
+    EXPECT_EQ(load.GetPosition(), 200000);
+}
+
 }  // namespace
