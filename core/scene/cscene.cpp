@@ -5,8 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -16,6 +14,7 @@
 #include "corearray.h"
 #include "coreinterface.h"
 #include "runtime/check.h"
+#include "runtime/flatmap.h"
 #include "runtime/namefield.h"
 #include "runtime/notestext.h"
 
@@ -52,11 +51,12 @@ int AppendOne(T**& items, int& count, T* item, char const* what) {
 // first entry already among the `count` items (or earlier in `list`) ends the list.
 template <class T>
 std::vector<T*> EntriesToAdd(T* const* items, int count, T* const* list, int listCount) {
-    std::unordered_set<const T*> present(items, items + count);
+    FlatSet<const T*> present(static_cast<size_t>(count + listCount));
+    for (int i = 0; i < count; ++i) present.Insert(items[i]);
     std::vector<T*> added;
     for (int i = 0; i < listCount; ++i) {
         if (!list[i]) continue;
-        if (!present.insert(list[i]).second) break;
+        if (!present.Insert(list[i])) break;
         added.push_back(list[i]);
     }
     return added;
@@ -213,11 +213,11 @@ struct cscene::HierarchyWalk {
     cbitarray& order;
     int next = 0;
     cbitarray listed;
-    std::unordered_map<const cnode*, int> index;
+    FlatMap<const cnode*, int> index;
 
     int IndexOf(const cnode* node) const {
-        const auto found = index.find(node);
-        return found == index.end() ? -1 : found->second;
+        const int* found = index.Find(node);
+        return found ? *found : -1;
     }
 };
 
@@ -327,8 +327,8 @@ void cscene::EvalUniqueName(cnode* node) {
 
 int cscene::GetNodesHierarchy(cbitarray& order) {
     order.SetSize(nnodes, 1);
-    HierarchyWalk walk{order, 0, cbitarray(nnodes), {}};
-    for (int i = 0; i < nnodes; ++i) walk.index.emplace(nodes[i], i);
+    HierarchyWalk walk{order, 0, cbitarray(nnodes), FlatMap<const cnode*, int>(nnodes)};
+    for (int i = 0; i < nnodes; ++i) walk.index.Insert(nodes[i], i);
     const auto inScene = [&walk](const cnode* n) { return walk.IndexOf(n) >= 0; };
     for (int i = 0; i < nnodes; ++i)
         if (!AnyAncestor(nodes[i], inScene)) RecurseNodesHierarchy(nodes[i], walk);

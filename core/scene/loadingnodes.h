@@ -7,26 +7,23 @@
 #define ORVANE_CORE_SCENE_LOADINGNODES_H
 
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "cnode.h"
+#include "runtime/flatmap.h"
 
 struct LoadingNodes {
-    explicit LoadingNodes(size_t expected = 0) {
-        nodes.reserve(expected);
-        byName.reserve(expected);
-    }
+    explicit LoadingNodes(size_t expected = 0) : byName(expected) { nodes.reserve(expected); }
 
     std::vector<cnode*> nodes;  // in load order
     // The first loaded node of each name, as MainScene.FindNode finds the first bearer. The
     // keys view the nodes' own name buffers, which stay put while the nodes live.
-    std::unordered_map<std::string_view, cnode*> byName;
+    FlatMap<std::string_view, cnode*> byName;
 
     // Appends a node whose record has been read completely.
     void Add(cnode* node) {
         nodes.push_back(node);
-        byName.emplace(node->GetName(), node);
+        byName.Insert(node->GetName(), node);
     }
 };
 

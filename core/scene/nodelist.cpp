@@ -62,8 +62,8 @@ cnode* NodeList::FindNode(char const* name) {
     const LoadingNodes* loading = Loading();
     if (!loading) return MainScene.FindNode(name);
     if (!name) return nullptr;
-    const auto found = loading->byName.find(name);
-    return found == loading->byName.end() ? nullptr : found->second;
+    cnode* const* found = loading->byName.Find(name);
+    return found ? *found : nullptr;
 }
 
 int NodeList::Find(cnode* node) {

@@ -9,10 +9,9 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "animclock.h"
@@ -26,6 +25,7 @@
 #include "cscene.h"
 #include "mtllist.h"
 #include "nodelist.h"
+#include "runtime/flatmap.h"
 #include "scene/loadingnodes.h"
 
 namespace {
@@ -289,11 +289,11 @@ public:
         addArray(items.data(), static_cast<int>(items.size()));
         const auto added = static_cast<size_t>(count() - before);
         if (added != items.size()) {
-            std::unordered_set<const T*> taken;
-            for (int i = before; i < count(); ++i) taken.insert(at(i));
+            FlatSet<const T*> taken;
+            for (int i = before; i < count(); ++i) taken.Insert(at(i));
             std::vector<T*> left;
             for (T* item : items)
-                if (!taken.count(item)) left.push_back(item);
+                if (!taken.Contains(item)) left.push_back(item);
             items.swap(left);
             return 0;
         }
@@ -327,12 +327,31 @@ private:
     Pending<cnode> owner{loading.nodes};
 };
 
+// Views into NodeList's table, which stays loaded while the records are read.
+FlatSet<std::string_view> TableNodeNames(unsigned long version) {
+    FlatSet<std::string_view> names(static_cast<size_t>(NodeList::NumNodes()));
+    for (int i = 0; i < NodeList::NumNodes(); ++i)
+        names.Insert(RecordName(NodeList::GetNameAt(i), version));
+    return names;
+}
+
 // What reading the records needs besides the header.
 struct Loading {
+    Loading(cio_load& in, const Header& header) : in(in), header(header), nodes(header.numNodes) {}
+
     cio_load& in;
     const Header& header;
-    std::unordered_set<std::string_view> tableNodeNames;
     PendingNodes nodes;
+
+    // Whether the file's node table holds `name`. The set is made on the first question, which
+    // only a parent not yet loaded raises: a sound file never asks.
+    bool TableHolds(std::string_view name) {
+        if (!tableNodeNames) tableNodeNames = TableNodeNames(header.version);
+        return tableNodeNames->Contains(name);
+    }
+
+private:
+    std::optional<FlatSet<std::string_view>> tableNodeNames;
 };
 
 // The i-th material record: its length word, then the record, which must bear the table's
@@ -381,8 +400,7 @@ int LoadNodeRecord(Loading& loading) {
     // Parents are written first: a parent that the table names but no earlier record gave is
     // a later record, which only a damaged file or a parent cycle produces. A parent the
     // table does not name is left unresolved, and the node stays a root.
-    if (head.parent[0] && !NodeList::FindNode(head.parent) &&
-        loading.tableNodeNames.count(head.parent))
+    if (head.parent[0] && !NodeList::FindNode(head.parent) && loading.TableHolds(head.parent))
         return 0;
     cnode* node = CreateNodeForRecord(type, subType);
     if (!node) return 0;
@@ -408,33 +426,23 @@ int PutNodesInTableOrder(unsigned long version) {
     const int count = MainScene.NumNodes();
     // Per name the earliest unclaimed node; `later` chains each node to the next of its name.
     // The keys view the nodes' own names.
-    std::unordered_map<std::string_view, int> earliest;
-    earliest.reserve(static_cast<size_t>(count));
+    FlatMap<std::string_view, int> earliest(static_cast<size_t>(count));
     std::vector<int> later(static_cast<size_t>(count), -1);
     for (int i = count - 1; i >= 0; --i) {
-        const auto placed = earliest.emplace(MainScene.GetNodeAt(i)->GetName(), i);
+        const auto placed = earliest.Insert(MainScene.GetNodeAt(i)->GetName(), i);
         if (!placed.second) {
-            later[static_cast<size_t>(i)] = placed.first->second;
-            placed.first->second = i;
+            later[static_cast<size_t>(i)] = *placed.first;
+            *placed.first = i;
         }
     }
     cbitarray order(count);
     for (int k = 0; k < count; ++k) {
-        const auto found = earliest.find(RecordName(NodeList::GetNameAt(k), version));
-        if (found == earliest.end() || found->second < 0) return 0;
-        order.Set(k, found->second);
-        found->second = later[static_cast<size_t>(found->second)];
+        int* found = earliest.Find(RecordName(NodeList::GetNameAt(k), version));
+        if (!found || *found < 0) return 0;
+        order.Set(k, *found);
+        *found = later[static_cast<size_t>(*found)];
     }
     return MainScene.SetNodeOrder(order);
-}
-
-// Views into NodeList's table, which stays loaded while the records are read.
-std::unordered_set<std::string_view> TableNodeNames(unsigned long version) {
-    std::unordered_set<std::string_view> names;
-    names.reserve(static_cast<size_t>(NodeList::NumNodes()));
-    for (int i = 0; i < NodeList::NumNodes(); ++i)
-        names.insert(RecordName(NodeList::GetNameAt(i), version));
-    return names;
 }
 
 void ApplyClock(const Header& header) {
@@ -469,6 +477,9 @@ public:
     SceneTransaction() { MainScene.SwapNodesAndMaterials(aside); }
     ~SceneTransaction() {
         if (!committed) MainScene.SwapNodesAndMaterials(aside);
+        // Whichever scene dies here, its nodes go before its materials: a node about to be
+        // destroyed needs no word of each material's deletion.
+        aside.ClearNodes();
     }
     SceneTransaction(const SceneTransaction&) = delete;
     SceneTransaction& operator=(const SceneTransaction&) = delete;
@@ -490,7 +501,7 @@ int LoadProject(char const* path) {
     SceneTransaction transaction;
     // After the transaction, so that nodes never handed over die while the materials they may
     // refer to still live.
-    Loading loading{in, header, TableNodeNames(header.version), PendingNodes(header.numNodes)};
+    Loading loading(in, header);
     if (!LoadMaterials(loading) || !LoadNodes(loading) || !PutNodesInTableOrder(header.version))
         return 0;
     transaction.Commit();
@@ -518,15 +529,13 @@ std::vector<cnode*> RecordOrder() {
 // node of the scene bears is borne by an earlier record. A looping parent chain fails this.
 int ParentsComeFirst(const std::vector<cnode*>& nodes) {
     // Views into the nodes' own names, which do not change while the scene is saved.
-    std::unordered_set<std::string_view> all, earlier;
-    all.reserve(nodes.size());
-    earlier.reserve(nodes.size());
-    for (const cnode* node : nodes) all.insert(node->GetName());
+    FlatSet<std::string_view> all(nodes.size()), earlier(nodes.size());
+    for (const cnode* node : nodes) all.Insert(node->GetName());
     for (const cnode* node : nodes) {
         const cnode* parent = node->GetParent();
         char const* name = parent ? parent->GetName() : "";
-        if (*name && all.count(name) && !earlier.count(name)) return 0;
-        earlier.insert(node->GetName());
+        if (*name && all.Contains(name) && !earlier.Contains(name)) return 0;
+        earlier.Insert(node->GetName());
     }
     return 1;
 }
