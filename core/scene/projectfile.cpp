@@ -528,14 +528,15 @@ std::vector<cnode*> RecordOrder() {
 // 1 when LoadProjectFile will accept the records in this order: every parent name that some
 // node of the scene bears is borne by an earlier record. A looping parent chain fails this.
 int ParentsComeFirst(const std::vector<cnode*>& nodes) {
-    // Views into the nodes' own names, which do not change while the scene is saved.
-    FlatSet<std::string_view> all(nodes.size()), earlier(nodes.size());
-    for (const cnode* node : nodes) all.Insert(node->GetName());
-    for (const cnode* node : nodes) {
-        const cnode* parent = node->GetParent();
-        char const* name = parent ? parent->GetName() : "";
-        if (*name && all.Contains(name) && !earlier.Contains(name)) return 0;
-        earlier.Insert(node->GetName());
+    // Each name's first record. The keys view the nodes' own names, which do not change while
+    // the scene is saved.
+    FlatMap<std::string_view, size_t> first(nodes.size());
+    for (size_t i = 0; i < nodes.size(); ++i) first.Insert(nodes[i]->GetName(), i);
+    for (size_t i = 0; i < nodes.size(); ++i) {
+        const cnode* parent = nodes[i]->GetParent();
+        const size_t* bearer =
+            parent && *parent->GetName() ? first.Find(parent->GetName()) : nullptr;
+        if (bearer && *bearer >= i) return 0;
     }
     return 1;
 }
