@@ -4,9 +4,9 @@
 // time, each a complete local transform relative to the node's parent. Between keys the
 // position and scale are interpolated linearly and the rotation spherically; outside the keyed
 // range the first or last key holds. The keys live in one raw array (array_new) that grows to
-// twice the key count when full (16 keys when empty) and shrinks to exactly the remaining keys
-// when a removal leaves it less than half full. Functions return 1 for success and 0 for
-// failure unless stated otherwise.
+// twice the key count when full (to one key when empty: most nodes hold only their key at time
+// 0) and shrinks to exactly the remaining keys when a removal leaves it less than half full.
+// Functions return 1 for success and 0 for failure unless stated otherwise.
 #ifndef ORVANE_CANIM_H
 #define ORVANE_CANIM_H
 

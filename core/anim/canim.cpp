@@ -94,7 +94,9 @@ int canim::SetNumKeys(int n, int discard) {
 }
 
 int canim::SetKey(const ckey& key) {
-    if (!keyarray::PutKey(keyarray::Store(keys, nkeys, nalloc), key, array_assert)) return 0;
+    // Most nodes hold only their key at time 0: an empty track makes room for one key, and
+    // animated ones double from there.
+    if (!keyarray::PutKey(keyarray::Store(keys, nkeys, nalloc), key, 1, array_assert)) return 0;
     UpdateKeyTimes();
     return 1;
 }

@@ -143,16 +143,18 @@ void Adopt(KeyStore<K> store, K* block, int count, int capacity) {
     store.capacity = capacity;
 }
 
-// The capacity after growing a full array of `count` keys: twice the count, 16 when empty.
-inline int GrownCapacity(int count) {
-    if (count == 0) return 16;
+// The capacity after growing a full array of `count` keys: twice the count, `first` when
+// empty.
+inline int GrownCapacity(int count, int first) {
+    if (count == 0) return first;
     return count > INT_MAX / 2 ? INT_MAX : 2 * count;
 }
 
 // Stores `key`: replaces the key at its time, or inserts it before the first later key,
-// growing a full array first. Returns 0, changing nothing, when it cannot grow.
+// growing a full array first (to `firstCapacity` keys when empty). Returns 0, changing
+// nothing, when it cannot grow.
 template <class K, class Report>
-int PutKey(KeyStore<K> store, const K& key, Report report) {
+int PutKey(KeyStore<K> store, const K& key, int firstCapacity, Report report) {
     const int same = FindByEntry(key.time, store.count, store.keys);
     if (same >= 0) {
         store.keys[same] = key;
@@ -166,7 +168,7 @@ int PutKey(KeyStore<K> store, const K& key, Report report) {
         return 1;
     }
     if (store.count == INT_MAX) return 0;
-    const int capacity = GrownCapacity(store.count);
+    const int capacity = GrownCapacity(store.count, firstCapacity);
     K* block = NewKeys<K>(capacity);
     report(block != nullptr);
     if (!block) return 0;

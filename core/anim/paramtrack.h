@@ -56,7 +56,8 @@ int cparamanim<K>::SetNumKeys(int n, int discard) {
 
 template <class K>
 int cparamanim<K>::Set(const K& key) {
-    if (!keyarray::PutKey(keyarray::Store(keys, nkeys, nalloc), key, array_assert)) return 0;
+    // An empty camera or light track makes room for 16 keys.
+    if (!keyarray::PutKey(keyarray::Store(keys, nkeys, nalloc), key, 16, array_assert)) return 0;
     WidenKeyTimes(key.time);
     return 1;
 }
