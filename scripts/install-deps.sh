@@ -10,6 +10,14 @@ packages=(
     googletest libgtest-dev libgmock-dev libbenchmark-dev libeigen3-dev
     # formatting check and fuzzing (clang with libFuzzer)
     clang-format clang libclang-rt-14-dev
+    # drawing and contexts: OpenGL 1.1 + GLU, EGL, and Mesa's software rasteriser for headless
+    # contexts in tests
+    libgl-dev libglu1-mesa-dev libegl-dev libegl-mesa0 libgl1-mesa-dri
+    # image codecs and video clips
+    libpng-dev libjpeg62-turbo-dev libstb-dev libavformat-dev libavcodec-dev libswscale-dev
+    libavutil-dev
+    # independent decoders and encoders the image tests compare against
+    imagemagick ffmpeg
 )
 
 missing=()
