@@ -1,0 +1,134 @@
+// BMP, TGA, GIF, PSD and HDR through stb_image (reading) and stb_image_write (BMP and TGA
+// writing). The implementations come from the system's libstb.
+#include <stb_image.h>
+#include <stb_image_write.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/pictolibcodecs.h"
+
+namespace pictolib {
+namespace {
+
+struct StbFree {
+    void operator()(void* p) const { stbi_image_free(p); }
+};
+template <class T>
+using StbPixels = std::unique_ptr<T, StbFree>;
+
+int Length(Bytes file) {
+    return static_cast<int>(std::min<std::size_t>(file.size, 0x7fffffff));
+}
+
+// HDR values are linear light: they are clamped to 0..1 and scaled, without tone mapping or
+// gamma, so that 1.0 is white.
+bool DecodeHdr(Bytes file, Picture& picture) {
+    int width = 0, height = 0, channels = 0;
+    StbPixels<float> pixels(
+        stbi_loadf_from_memory(file.data, Length(file), &width, &height, &channels, 4));
+    if (!pixels || width != picture.width || height != picture.height) return false;
+    unsigned char* out = picture.rgba.get();
+    const std::size_t values = PixelCount(picture) * 4;
+    for (std::size_t i = 0; i < values; ++i) {
+        const float v = std::clamp(pixels.get()[i], 0.0f, 1.0f);
+        out[i] = static_cast<unsigned char>(v * 255.0f + 0.5f);
+    }
+    return true;
+}
+
+bool DecodeEightBit(Bytes file, Picture& picture) {
+    int width = 0, height = 0, channels = 0;
+    StbPixels<unsigned char> pixels(
+        stbi_load_from_memory(file.data, Length(file), &width, &height, &channels, 4));
+    if (!pixels || width != picture.width || height != picture.height) return false;
+    std::memcpy(picture.rgba.get(), pixels.get(), PixelCount(picture) * 4);
+    return true;
+}
+
+void WriteToFile(void* context, void* data, int size) {
+    auto* file = static_cast<std::FILE*>(context);
+    std::fwrite(data, 1, static_cast<std::size_t>(size), file);
+}
+
+using StbWriter = int (*)(stbi_write_func*, void*, int, int, int, const void*);
+
+int Write(StbWriter writer, std::FILE* file, unsigned char const* pixels, int width, int height,
+          int channels) {
+    const int ok = writer(WriteToFile, file, width, height, channels, pixels);
+    return ok && !std::ferror(file) ? 1 : 0;
+}
+
+unsigned ReadLittle(Bytes file, std::size_t offset, int length) {
+    unsigned value = 0;
+    for (int i = length - 1; i >= 0; --i)
+        value = value << 8 | file.data[offset + static_cast<std::size_t>(i)];
+    return value;
+}
+
+// The reader fills pixels past the end of a file with zeros; for the uncompressed layouts,
+// whose pixel data has a known length, a file that is too short is refused here instead.
+bool UncompressedBmpFits(Bytes file) {
+    if (file.size < 30) return false;
+    const unsigned headerSize = ReadLittle(file, 14, 4);
+    if (headerSize == 12) return true;  // the old core header is checked by the reader alone
+    if (file.size < 34) return false;
+    const unsigned compression = ReadLittle(file, 30, 4);
+    if (compression != 0 && compression != 3 && compression != 6) return true;
+    const long long width = static_cast<int>(ReadLittle(file, 18, 4));
+    const long long height = std::llabs(static_cast<int>(ReadLittle(file, 22, 4)));
+    const long long bitsPerPixel = ReadLittle(file, 28, 2);
+    const long long stride = (width * bitsPerPixel + 31) / 32 * 4;
+    return ReadLittle(file, 10, 4) + stride * height <= static_cast<long long>(file.size);
+}
+
+bool UncompressedTgaFits(Bytes file) {
+    if (file.size < 18) return false;
+    const unsigned type = file.data[2];
+    if (type != 1 && type != 2 && type != 3) return true;
+    const long long mapBytes =
+        file.data[1] ? ReadLittle(file, 5, 2) * ((file.data[7] + 7LL) / 8) : 0;
+    const long long pixelBytes = ReadLittle(file, 12, 2) *
+                                 static_cast<long long>(ReadLittle(file, 14, 2)) *
+                                 ((file.data[16] + 7LL) / 8);
+    return 18 + file.data[0] + mapBytes + pixelBytes <= static_cast<long long>(file.size);
+}
+
+// TGA has no signature: what is no other known format is taken for one.
+bool PixelDataFits(Bytes file) {
+    if (StartsWith(file, "BM", 2)) return UncompressedBmpFits(file);
+    if (StartsWith(file, "GIF8", 4) || StartsWith(file, "8BPS", 4) || StartsWith(file, "#?", 2))
+        return true;
+    return UncompressedTgaFits(file);
+}
+
+}  // namespace
+
+int DecodeOther(Bytes file, Picture& picture) {
+    int width = 0, height = 0, channels = 0;
+    // The header alone first: the size is checked before the reader allocates for it.
+    if (!stbi_info_from_memory(file.data, Length(file), &width, &height, &channels)) return 0;
+    if (!IsPlausibleSize(width, height, file.size) || !PixelDataFits(file)) return 0;
+    picture.width = width;
+    picture.height = height;
+    picture.rgba = AllocateRGBA(width, height);
+    const bool hdr = stbi_is_hdr_from_memory(file.data, Length(file)) != 0;
+    const bool ok =
+        picture.rgba && (hdr ? DecodeHdr(file, picture) : DecodeEightBit(file, picture));
+    if (!ok) {
+        picture.rgba.reset();
+        return 0;
+    }
+    return 1;
+}
+
+int EncodeBmp(std::FILE* file, unsigned char const* pixels, int width, int height, int channels) {
+    return Write(stbi_write_bmp_to_func, file, pixels, width, height, channels);
+}
+
+int EncodeTga(std::FILE* file, unsigned char const* pixels, int width, int height, int channels) {
+    return Write(stbi_write_tga_to_func, file, pixels, width, height, channels);
+}
+
+}  // namespace pictolib
