@@ -214,18 +214,22 @@ int WriteNameTable(cio_save& out, int count, NameAt nameAt) {
 
 // ---- Material records ----
 
-// Today a material is its name, so its record is the name field. The record is framed by its
-// byte length (WriteSized), so the material's full data can follow the name in later files and
-// readers skip what they do not know.
+// The material's own record. It is framed by its byte length (WriteSized), so that readers
+// skip fields a later writer appends.
 int WriteMaterialRecord(cio_save& out, const cmaterial& material) {
-    return WriteName(out, material.GetName(), NAME_FIELD_SIZE);
+    return material.Save(out);
 }
 
+// A record that reads past its frame is corrupt.
 cmaterial* ReadMaterialRecord(cio_load& in, unsigned long version, std::uint32_t length) {
-    char name[NAME_FIELD_SIZE] = {};
-    const unsigned int nameSize = NameFieldSize(version);
-    if (length < nameSize || !ReadName(in, name, nameSize)) return nullptr;
-    return new (std::nothrow) cmaterial(name);
+    const long long end = in.GetPosition() + static_cast<long long>(length);
+    auto* material = new (std::nothrow) cmaterial();
+    if (!material) return nullptr;
+    if (!material->Load(in, version) || in.GetPosition() > end) {
+        material->Delete();
+        return nullptr;
+    }
+    return material;
 }
 
 // ---- Node records ----

@@ -15,6 +15,7 @@
 #include "cnode.h"
 #include "cscene.h"
 #include "support/bytestring.h"
+#include "support/materialrecord.h"
 
 // The start of a project file, as the name-table readers see it: magic, version, node table
 // offset and count, material table offset and count, then 48 bytes of filler they must not
@@ -302,7 +303,7 @@ inline WholeProjectFile RobotFile(std::uint32_t version) {
     file.version = version;
     file.nodes = {"Arm", base};
     file.materials = {"Steel"};
-    file.materialRecords = {ByteString().Name("Steel", version >= 13 ? 64 : 32).bytes};
+    file.materialRecords = {DefaultMaterialRecord("Steel", version)};
     file.nodeRecords = {root.Bytes(version), arm.Bytes(version)};
     file.settings = WholeProjectFile::Settings(0.5f, "Old notes");
     file.clock[1] = 200;

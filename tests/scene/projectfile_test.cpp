@@ -111,8 +111,14 @@ TEST_F(ProjectFileTest, RefusedFilesLeaveTheSceneAsItWas) {
     const std::string before = DescribeMainScene(true);
 
     std::vector<std::pair<std::string, std::string>> refused;
-    for (size_t length = 0; length < saved.size(); ++length)
+    // The material records are mostly zero-padded paths: every 13th byte inside them suffices.
+    const std::size_t materialsAt = Word(saved, kMaterialRecordsAt);
+    const std::size_t materialsEnd = materialsAt + Word(saved, kMaterialRecordsAt + 4);
+    for (size_t length = 0; length < saved.size(); ++length) {
+        const bool insideMaterials = length > materialsAt && length + 1 < materialsEnd;
+        if (insideMaterials && (length - materialsAt) % 13 != 0) continue;
         refused.push_back({"truncated to " + std::to_string(length), saved.substr(0, length)});
+    }
     const auto changed = [&](const std::string& why, std::size_t at, std::uint32_t word) {
         std::string bytes = saved + "pad!";
         ProjectFile::SetWord(bytes, at, word);
@@ -124,8 +130,10 @@ TEST_F(ProjectFileTest, RefusedFilesLeaveTheSceneAsItWas) {
     changed("absurd node count", kNodeCountAt, 0x7FFFFFFF);
     changed("node records outside the file", kNodeRecordsAt, 0xFFFFFF00u);
     changed("settings larger than the file", kSettingsAt + 4, 0x7FFFFFFF);
-    changed("material records one byte short", kMaterialRecordsAt + 4, 3 * (4 + 64) - 1);
-    changed("material records with bytes to spare", kMaterialRecordsAt + 4, 3 * (4 + 64) + 1);
+    const auto materialBytes =
+        static_cast<std::uint32_t>(3 * (4 + DefaultMaterialRecord("Chrome", 16).size()));
+    changed("material records one byte short", kMaterialRecordsAt + 4, materialBytes - 1);
+    changed("material records with bytes to spare", kMaterialRecordsAt + 4, materialBytes + 1);
     const auto nodeBytes = static_cast<std::uint32_t>(saved.size()) - Word(saved, kNodeRecordsAt);
     changed("node records with bytes to spare", kNodeRecordsAt + 4, nodeBytes + 4);
 
@@ -190,6 +198,33 @@ TEST_F(ProjectFileTest, LoadingKeepsTheFilesNamesOverClashingOnes) {
     EXPECT_EQ(MainScene.GetNodeAt(0)->NumChildren(), 1);
     ASSERT_EQ(MainScene.NumMaterials(), 1);
     EXPECT_STREQ(MainScene.GetMaterialAt(0)->GetName(), "Mat1");
+}
+
+TEST_F(ProjectFileTest, MaterialsKeepTheirWholeRecordAndFramesMaySpareBytes) {
+    auto* glass = new cmaterial("Glass");
+    glass->SetOpacityAmount(35);
+    glass->SetRefractionAmount(640);
+    glass->SetShininess(12.0f);
+    glass->GetImage(MAP_DIFFUSE)->SetPathName(const_cast<char*>("maps/missing.png"));
+    MainScene.AddMaterial(glass, 1);
+    ASSERT_EQ(SaveProjectFile(path.c_str()), 1);
+    Reset();
+    ASSERT_EQ(LoadProjectFile(path.c_str()), 1);
+    ASSERT_EQ(MainScene.NumMaterials(), 1);
+    cmaterial* loaded = MainScene.GetMaterialAt(0);
+    EXPECT_EQ(loaded->GetOpacityAmount(), 35);
+    EXPECT_EQ(loaded->GetRefractionAmount(), 640);
+    EXPECT_EQ(loaded->GetShininess(), 12.0f);
+    EXPECT_STREQ(loaded->GetImage(MAP_DIFFUSE)->GetPathNamePtr(), "maps/missing.png");
+
+    // A later writer's extra fields inside the frame are skipped.
+    WholeProjectFile file = RobotFile(16);
+    MaterialRecordBytes steel;
+    steel.name = "Steel";
+    steel.amounts[3] = 70;
+    file.materialRecords = {steel.Bytes(16) + "future fields"};
+    ASSERT_EQ(LoadProjectFile(Write(file.Bytes()).c_str()), 1);
+    EXPECT_EQ(MainScene.GetMaterialAt(0)->GetReflectionAmount(), 70);
 }
 
 TEST_F(ProjectFileTest, SavingRefusesWhatCouldNotBeReadBack) {
