@@ -16,9 +16,11 @@
 
 #include "animclock.h"
 #include "cbitarray.h"
+#include "ccamera.h"
 #include "ccolor.h"
 #include "cio.h"
 #include "ciofields.h"
+#include "clight.h"
 #include "cmaterial.h"
 #include "cnode.h"
 #include "cpoint.h"
@@ -241,6 +243,14 @@ cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t su
         case TYPE_NODE:
             // A plain node has no variants: its record carries the sub-type as it is.
             return new (std::nothrow) cnode("", ccolor());
+        case TYPE_LIGHT: {
+            // Point, spot and directional lights are one class told apart by the sub-type.
+            clight* light = CreateNewLight();
+            if (light) light->SetLightType(subType);
+            return light;
+        }
+        case TYPE_CAMERA:
+            return CreateNewCamera();
         default:
             return nullptr;
     }
