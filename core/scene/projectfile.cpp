@@ -22,6 +22,7 @@
 #include "ciofields.h"
 #include "clight.h"
 #include "cmaterial.h"
+#include "cmesh.h"
 #include "cnode.h"
 #include "cpoint.h"
 #include "cscene.h"
@@ -243,6 +244,9 @@ cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t su
         case TYPE_NODE:
             // A plain node has no variants: its record carries the sub-type as it is.
             return new (std::nothrow) cnode("", ccolor());
+        case TYPE_MESH:
+            // Meshes have no variants; the record fills the arrays.
+            return CreateNewMesh();
         case TYPE_LIGHT: {
             // Point, spot and directional lights are one class told apart by the sub-type.
             clight* light = CreateNewLight();

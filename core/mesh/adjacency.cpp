@@ -1,0 +1,235 @@
+// Triangle and edge adjacency by sorted edge matching.
+#include "adjacency.h"
+
+#include <algorithm>
+#include <new>
+
+#include "cmesh.h"
+#include "mesh/edgematch.h"
+
+namespace {
+
+constexpr unsigned char kNoEdge = 0xFF;
+
+// The vertex references of edge k of a triangle (k, k+1 mod 3).
+unsigned int EdgeStart(const AdjTriangle& t, int k) {
+    return t.vref[k];
+}
+unsigned int EdgeEnd(const AdjTriangle& t, int k) {
+    return t.vref[(k + 1) % 3];
+}
+
+bool JoinsEither(unsigned int a, unsigned int b, unsigned int r1, unsigned int r2) {
+    return (a == r1 && b == r2) || (a == r2 && b == r1);
+}
+
+}  // namespace
+
+unsigned char AdjTriangle::FindEdge(unsigned int r1, unsigned int r2) const {
+    for (int k = 0; k < 3; ++k)
+        if (JoinsEither(EdgeStart(*this, k), EdgeEnd(*this, k), r1, r2))
+            return static_cast<unsigned char>(k);
+    return kNoEdge;
+}
+
+unsigned int AdjTriangle::OppositeVertex(unsigned int r1, unsigned int r2) const {
+    const unsigned char k = FindEdge(r1, r2);
+    return k == kNoEdge ? ADJ_NO_LINK : vref[(k + 2) % 3];
+}
+
+// ---- AdjTriangleArrays ----
+
+template <class Corner>
+int AdjTriangleArrays::Build(int count, Corner corner) {
+    triangles_.clear();
+    edges_.Release();
+    if (count < 1) return 0;
+    try {
+        triangles_.reserve(static_cast<size_t>(count));
+        edges_.Reserve(3 * static_cast<size_t>(count));
+    } catch (const std::bad_alloc&) {
+        triangles_ = std::vector<AdjTriangle>();
+        edges_.Release();
+        return 0;
+    }
+    for (int f = 0; f < count; ++f) {
+        AddTriangle(static_cast<unsigned int>(corner(f, 0)),
+                    static_cast<unsigned int>(corner(f, 1)),
+                    static_cast<unsigned int>(corner(f, 2)));
+    }
+    return 1;
+}
+
+int AdjTriangleArrays::Init(cmesh& mesh) {
+    return Init(const_cast<cface*>(mesh.GetFaces()), mesh.NumFaces());
+}
+
+int AdjTriangleArrays::Init(cface* faces, int count) {
+    if (!faces) count = 0;
+    return Build(count, [faces](int f, int k) { return faces[f].v[k]; });
+}
+
+int AdjTriangleArrays::Init(int* indices, int count) {
+    if (!indices) count = 0;
+    return Build(count, [indices](int f, int k) { return indices[3 * f + k]; });
+}
+
+void AdjTriangleArrays::AddTriangle(unsigned int a, unsigned int b, unsigned int c) {
+    const unsigned int face = static_cast<unsigned int>(triangles_.size());
+    AdjTriangle t;
+    t.vref[0] = a;
+    t.vref[1] = b;
+    t.vref[2] = c;
+    triangles_.push_back(t);
+    AddEdge(std::min(a, b), std::max(a, b), face);
+    AddEdge(std::min(b, c), std::max(b, c), face);
+    AddEdge(std::min(c, a), std::max(c, a), face);
+}
+
+void AdjTriangleArrays::AddEdge(unsigned int lower, unsigned int higher, unsigned int face) {
+    edges_.Add(lower, higher, face);
+}
+
+// ---- AdjFaceList ----
+
+int AdjFaceList::UpdateLink(unsigned int f1, unsigned int f2, unsigned int r1, unsigned int r2) {
+    AdjTriangle& t1 = triangles_[f1];
+    AdjTriangle& t2 = triangles_[f2];
+    const unsigned char e1 = t1.FindEdge(r1, r2);
+    const unsigned char e2 = t2.FindEdge(r1, r2);
+    if (e1 == kNoEdge || e2 == kNoEdge) return 0;
+    t1.link[e1] = f2 | (static_cast<unsigned int>(e2) << 30);
+    t2.link[e2] = f1 | (static_cast<unsigned int>(e1) << 30);
+    return 1;
+}
+
+int AdjFaceList::Create() {
+    if (triangles_.empty() || edges_.Count() == 0) return 0;
+    int result = 1;
+    const bool walked = WalkEdgeRuns(edges_, [&](unsigned int lower, unsigned int higher,
+                                                 const unsigned int* faces, unsigned int size) {
+        // Intended: an edge of three or more triangles ends the linking with success;
+        // later edges stay open and the edge records are kept.
+        if (size > 2) return false;
+        if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
+        return result != 0;
+    });
+    if (!walked && result != 0) return result;
+    edges_.Release();
+    return result;
+}
+
+// ---- CheckFaceList ----
+
+int CheckFaceList::Check() {
+    open_ = shared_ = overShared_ = 0;
+    if (triangles_.empty() || edges_.Count() == 0) return 0;
+    bool found = true;
+    WalkEdgeRuns(edges_, [&](unsigned int lower, unsigned int higher, const unsigned int* faces,
+                             unsigned int size) {
+        if (size == 1) {
+            ++open_;
+        } else if (size == 2) {
+            ++shared_;
+            found = found && triangles_[faces[0]].FindEdge(lower, higher) != kNoEdge &&
+                    triangles_[faces[1]].FindEdge(lower, higher) != kNoEdge;
+        } else {
+            ++overShared_;
+        }
+        return true;
+    });
+    return found && overShared_ == 0;
+}
+
+// ---- AdjEdgeList ----
+
+namespace {
+
+// Whether edge k of face f joins two different vertices in range.
+bool ValidEdge(const cface& face, int k, int numVerts) {
+    const int a = face.v[k], b = face.v[(k + 1) % 3];
+    return a >= 0 && b >= 0 && a < numVerts && b < numVerts && a != b;
+}
+
+}  // namespace
+
+int AdjEdgeList::Init(cmesh& mesh) {
+    edges_.clear();
+    vertEdges_.clear();
+    const int numFaces = mesh.NumFaces(), numVerts = mesh.NumVerts();
+    const cface* faces = mesh.GetFaces();
+    if (numFaces < 1 || !faces) return 0;
+    try {
+        std::vector<int> starting(static_cast<size_t>(std::max(numVerts, 0)), 0);
+        for (int f = 0; f < numFaces; ++f)
+            for (int k = 0; k < 3; ++k)
+                if (ValidEdge(faces[f], k, numVerts)) ++starting[faces[f].v[k]];
+        vertEdges_.resize(starting.size());
+        for (size_t v = 0; v < starting.size(); ++v) {
+            vertEdges_[v].SetSize(starting[v], 0);
+            vertEdges_[v].SetAll(-1);  // 0xFFFFFFFF until filled
+            starting[v] = 0;
+        }
+        edges_.resize(3 * static_cast<size_t>(numFaces));
+        for (int f = 0; f < numFaces; ++f) {
+            for (int k = 0; k < 3; ++k) {
+                const int e = 3 * f + k;
+                if (ValidEdge(faces[f], k, numVerts)) {
+                    const int v = faces[f].v[k];
+                    vertEdges_[v].Set(starting[v]++, e);
+                }
+                AdjEdge& record = edges_[e];
+                record.v0 = faces[f].v[k];
+                record.v1 = faces[f].v[(k + 1) % 3];
+                record.face = static_cast<unsigned int>(f);
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        edges_ = std::vector<AdjEdge>();
+        vertEdges_ = std::vector<cbitarray>();
+        return 0;
+    }
+    return 1;
+}
+
+int AdjEdgeList::FindFaceEdge(unsigned int f, unsigned int r1, unsigned int r2) const {
+    for (unsigned int k = 0; k < 3; ++k) {
+        const AdjEdge& e = edges_[3 * f + k];
+        if (JoinsEither(static_cast<unsigned int>(e.v0), static_cast<unsigned int>(e.v1), r1, r2))
+            return static_cast<int>(3 * f + k);
+    }
+    return -1;
+}
+
+int AdjEdgeList::UpdateLink(unsigned int f1, unsigned int f2, unsigned int r1, unsigned int r2) {
+    const int e1 = FindFaceEdge(f1, r1, r2);
+    const int e2 = FindFaceEdge(f2, r1, r2);
+    if (e1 < 0 || e2 < 0) return 0;
+    edges_[e1].link = f2;
+    edges_[e2].link = f1;
+    return 1;
+}
+
+int AdjEdgeList::Create() {
+    if (edges_.empty()) return 0;
+    AdjEdgeKeys keys;
+    try {
+        keys.Reserve(edges_.size());
+        for (const AdjEdge& e : edges_) {
+            const unsigned int a = static_cast<unsigned int>(e.v0);
+            const unsigned int b = static_cast<unsigned int>(e.v1);
+            keys.Add(std::min(a, b), std::max(a, b), e.face);
+        }
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+    int result = 1;
+    WalkEdgeRuns(keys, [&](unsigned int lower, unsigned int higher, const unsigned int* faces,
+                           unsigned int size) {
+        // Intended: as for faces, an edge of three or more faces ends the linking with success.
+        if (size > 2) return false;
+        if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
+        return result != 0;
+    });
+    return result;
+}

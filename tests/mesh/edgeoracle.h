@@ -1,0 +1,106 @@
+// Independent references for the adjacency and cluster tests: an ordered-map edge matcher
+// and a union-find face clustering.
+#ifndef ORVANE_TESTS_MESH_EDGEORACLE_H
+#define ORVANE_TESTS_MESH_EDGEORACLE_H
+
+#include <Eigen/Dense>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+#include "support/objreader.h"
+
+// The links the adjacency must produce: edges are visited by (higher, lower) vertex (a
+// std::sort of all face corners); an edge of exactly two triangles links them, one of three or
+// more stops the linking.
+inline std::vector<std::array<unsigned int, 3>> OracleLinks(
+    const std::vector<std::array<int, 3>>& triangles, int* overSharedEdges = nullptr) {
+    struct Corner {
+        int higher, lower;
+        unsigned int face, k;
+        bool operator<(const Corner& o) const {
+            if (higher != o.higher) return higher < o.higher;
+            if (lower != o.lower) return lower < o.lower;
+            return face < o.face;
+        }
+        bool SameEdge(const Corner& o) const { return higher == o.higher && lower == o.lower; }
+    };
+    std::vector<Corner> corners;
+    for (unsigned int f = 0; f < triangles.size(); ++f) {
+        for (unsigned int k = 0; k < 3; ++k) {
+            const int a = triangles[f][k], b = triangles[f][(k + 1) % 3];
+            corners.push_back({std::max(a, b), std::min(a, b), f, k});
+        }
+    }
+    std::sort(corners.begin(), corners.end());
+    std::vector<std::array<unsigned int, 3>> links(triangles.size(),
+                                                   {0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu});
+    bool stopped = false;
+    int over = 0;
+    for (size_t i = 0, end = 0; i < corners.size(); i = end) {
+        for (end = i + 1; end < corners.size() && corners[end].SameEdge(corners[i]);) ++end;
+        if (end - i > 2) {
+            ++over;
+            stopped = true;
+        }
+        if (stopped || end - i != 2) continue;
+        const Corner &a = corners[i], &b = corners[i + 1];
+        links[a.face][a.k] = b.face | (b.k << 30);
+        links[b.face][b.k] = a.face | (a.k << 30);
+    }
+    if (overSharedEdges) *overSharedEdges = over;
+    return links;
+}
+
+// Unit face normals (P0 - P1) x (P2 - P1) in double precision.
+inline std::vector<Eigen::Vector3d> OracleNormals(const ObjData& data) {
+    std::vector<Eigen::Vector3d> normals;
+    for (const auto& t : data.triangles) {
+        Eigen::Vector3d p[3];
+        for (int k = 0; k < 3; ++k)
+            p[k] = Eigen::Vector3d(data.vertices[t[k]][0], data.vertices[t[k]][1],
+                                   data.vertices[t[k]][2]);
+        normals.push_back((p[0] - p[1]).cross(p[2] - p[1]).normalized());
+    }
+    return normals;
+}
+
+// Connected components of the faces over the given links, joining two linked faces when
+// `eligible` holds for both and (with `useAngle`) their normals are at most `angle` degrees
+// apart. Components are numbered by their lowest face; ineligible faces get 0xFFFFFFFF.
+template <class Eligible>
+std::vector<unsigned int> OracleClusters(const std::vector<std::array<unsigned int, 3>>& links,
+                                         const std::vector<Eigen::Vector3d>& normals,
+                                         Eligible eligible, bool useAngle, double angle) {
+    const size_t n = links.size();
+    std::vector<size_t> parent(n);
+    std::iota(parent.begin(), parent.end(), size_t{0});
+    auto find = [&](size_t x) {
+        while (parent[x] != x) x = parent[x] = parent[parent[x]];
+        return x;
+    };
+    for (size_t f = 0; f < n; ++f) {
+        for (unsigned int link : links[f]) {
+            if (link == 0xFFFFFFFFu) continue;
+            const size_t g = link & 0x3FFFFFFFu;
+            if (!eligible(f) || !eligible(g)) continue;
+            const double degrees = std::acos(normals[f].dot(normals[g])) * 180.0 / M_PI;
+            if (useAngle && degrees > angle) continue;
+            parent[find(f)] = find(g);
+        }
+    }
+    std::vector<unsigned int> cluster(n, 0xFFFFFFFFu), numberOfRoot(n, 0xFFFFFFFFu);
+    unsigned int next = 0;
+    for (size_t f = 0; f < n; ++f) {
+        if (!eligible(f)) continue;
+        unsigned int& id = numberOfRoot[find(f)];
+        if (id == 0xFFFFFFFFu) id = next++;
+        cluster[f] = id;
+    }
+    return cluster;
+}
+
+#endif
