@@ -3,7 +3,10 @@
 #define ORVANE_CORE_H
 
 #include "coreapi.h"
+#include "coreglcontext.h"
+#include "corepanel.h"
 #include "coreplatform.h"
+#include "pictolib.h"
 
 #include "animclock.h"
 #include "corearray.h"
@@ -26,13 +29,28 @@
 #include "canim.h"
 #include "cparamanim.h"
 
+#include "adjacency.h"
+#include "ccamera.h"
+#include "clight.h"
+#include "clusters.h"
+#include "cmesh.h"
 #include "cnode.h"
 #include "cscene.h"
 #include "ik.h"
 #include "mtllist.h"
 #include "nodelist.h"
 #include "projectfile.h"
+#include "rsorter.h"
+#include "triangulate.h"
 
+#include "cimage.h"
 #include "cmaterial.h"
+
+#include "cinterface.h"
+#include "undo.h"
+
+#include "cgfx.h"
+#include "oglext.h"
+#include "texwindow.h"
 
 #endif

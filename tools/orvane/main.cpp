@@ -2,9 +2,9 @@
 //
 // Every command first does what every host does before it uses the library: the application
 // folder, the callback table (the reference host's, over MainScene) and CoreInit. Then
-//   demo  builds a small animated hierarchy through the host and the library, saves it as a
-//         project file, empties the scene, loads the file back and shows where the nodes are
-//         at a few times;
+//   demo  builds a small animated hierarchy through the host and the library, shows a few
+//         edits being undone, saves it as a project file, empties the scene, loads the file back
+//         and shows where the nodes are at a few times;
 //   info  loads any project file and describes its scene.
 #include <algorithm>
 #include <cmath>
@@ -25,10 +25,11 @@ constexpr char kUsage[] =
     "usage: orvane <command> [options]\n"
     "\n"
     "commands:\n"
-    "  demo [--project FILE]  build a small animated scene through the host, save it as a\n"
-    "                         project file (default: demo.orv in the system's temporary\n"
-    "                         folder), load it back into an empty scene and print the node\n"
-    "                         tree with world transforms at times 0, 40 and 80\n"
+    "  demo [--project FILE]  build a small animated scene through the host, undo a few\n"
+    "                         edits, save the scene as a project file (default: demo.orv in\n"
+    "                         the system's temporary folder), load it back into an empty\n"
+    "                         scene and print the node tree with world transforms at times\n"
+    "                         0, 40 and 80\n"
     "  info FILE              load a project file and print its scene: nodes with their\n"
     "                         types, parents, key counts, materials and world transforms at\n"
     "                         the current time, and the materials\n"
@@ -174,6 +175,54 @@ void BuildDemoScene() {
     Interface::CopyNotes("A robot arm made by orvane demo.", 32);
 }
 
+// Records `edit` as one level of the undo history, as a host's editing command does.
+template <class Edit>
+void RecordEdit(unsigned long type, Edit edit) {
+    theUndo.Begin(type, nullptr);
+    edit();
+    theUndo.End();
+}
+
+// Takes the newest level back (the host's Edit > Undo) and prints its name.
+void UndoNewest() {
+    std::printf("  Undo \"%s\":", theUndo.GetLevelName(theUndo.NumLevels() - 1));
+    theUndo.Undo(1);
+}
+
+// A few edits recorded as undo levels and taken back again. The scene ends as it was, so the
+// project saved next is the same as without them.
+void ShowUndo() {
+    std::printf("\nEdits undone (world positions at time %d):\n", Interface::GetAnimTime());
+    cnode* base = MainScene.FindNode("Base");
+    cnode* hand = MainScene.FindNode("Hand");
+    const auto where = [](const cnode* node) {
+        return Triple(node->GetPosition(Interface::GetAnimTime()));
+    };
+
+    MainScene.Select(base);
+    RecordEdit(UNDO_MOVE, [] { MainScene.MoveSelected(cpoint3(0.0f, 0.0f, 50.0f)); });
+    std::printf("  Move Base by (0, 0, 50): Base at %s, Hand at %s\n", where(base).c_str(),
+                where(hand).c_str());
+    UndoNewest();
+    std::printf(" Base at %s, Hand at %s\n", where(base).c_str(), where(hand).c_str());
+    MainScene.DeselectAll();
+
+    MainScene.Select(hand);
+    RecordEdit(UNDO_DELETE, [hand] { Interface::RemoveFromScene(hand, 0); });
+    std::printf("  Delete Hand: %d nodes, Arm has %d children\n", Interface::NumNodes(),
+                MainScene.FindNode("Arm")->NumChildren());
+    UndoNewest();
+    std::printf(" %d nodes, Hand is a child of %s again\n", Interface::NumNodes(),
+                hand->GetParent() ? hand->GetParent()->GetName() : "nothing");
+    MainScene.DeselectAll();
+
+    RecordEdit(UNDO_RENAME, [base] { base->SetName("Turntable"); });
+    std::printf("  Rename Base: %s\n", base->GetName());
+    UndoNewest();
+    std::printf(" %s\n", base->GetName());
+    std::printf("  Levels left: %d of at most %d\n", theUndo.NumLevels(), theUndo.GetMaxLevels());
+}
+
 // The callbacks the demo's calls through the Interface facade reached, in order of first call,
 // with their counts.
 void PrintCallbackSummary() {
@@ -229,6 +278,7 @@ int RunDemo(const std::string& project) {
     Interface::GetAnimSeg(&first, &last);
     std::printf("\nBuilt %d nodes and %d materials with keys from %d to %d.\n",
                 Interface::NumNodes(), Interface::NumMaterials(), first, last);
+    ShowUndo();
     const int reloaded = SaveAndReload(project);
     if (reloaded) {
         std::printf("\nWorld transforms (rotation as Euler angles X, Y, Z in degrees):\n");
