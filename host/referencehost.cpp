@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "projectfile.h"
+#include "undo.h"
 
 namespace {
 
@@ -309,6 +310,8 @@ void I_RemoveCameraFromView(int view, int) {
 void I_New(int, int, int) {
     RECORD();
     ForgetCamera(nullptr);
+    // Undo levels refer to the old scene's nodes.
+    theUndo.Clear();
     MainScene.Clear();
     ResetAnim();
     SetAnimOn(0);
@@ -322,6 +325,7 @@ int I_Open(char const* path) {
     RECORD();
     if (!path || !*path || !LoadProjectFile(path)) return 0;
     ForgetCamera(nullptr);  // the nodes the views looked through are gone
+    theUndo.Clear();        // and so are the nodes the undo levels refer to
     SetProjectFile(path);
     return 1;
 }

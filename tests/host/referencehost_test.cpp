@@ -1,4 +1,5 @@
 #include "referencehost.h"
+#include "undo.h"
 
 #include <gtest/gtest.h>
 
@@ -178,8 +179,14 @@ TEST_F(ReferenceHostTest, NewEmptiesTheSceneAndResetsClockAndProject) {
     Interface::SetProjectPathName("/home/ann/robot.orv");
     Interface::SetAnimOn(1);
     Interface::SetAnimTime(60);
+    char create[] = "Create";
+    ASSERT_EQ(theUndo.Begin(UNDO_CREATE, create), 1);
+    AddNode("Extra");
+    theUndo.End();
+    ASSERT_EQ(theUndo.NumLevels(), 1);
 
     Interface::New(0, 0, 0);
+    EXPECT_EQ(theUndo.NumLevels(), 0) << "levels of the old scene are dropped";
     EXPECT_EQ(Interface::NumNodes(), 0);
     EXPECT_EQ(Interface::NumMaterials(), 0);
     EXPECT_EQ(Interface::GetSceneBkColor().r, 0.0f);
