@@ -74,6 +74,9 @@ public:
 
     // Frees every node.
     void Clear();
+    // Empties the list but keeps its nodes for the next AddNormal calls, so that rebuilding a
+    // mesh's normals after an edit does not reallocate them. The list reads as after Clear.
+    void Recycle();
     // Adds the face normal `n` under the smoothing `mask`: the first node from the head whose
     // mask shares a bit with `mask` takes it (its position is returned); otherwise a new node
     // is pushed at the head and the node count - 1 is returned. Mask 0 never matches.
@@ -91,6 +94,7 @@ public:
 private:
     csmgroup* head = nullptr;
     int count = 0;
+    csmgroup* spare = nullptr;  // recycled nodes, not part of the list
 };
 
 // Replaces `destination` by a deep copy of `source`.

@@ -418,7 +418,8 @@ void cmesh::Update() {
 // ---- Smoothing normals ----
 
 void cmesh::CalcSmNormals() {
-    for (int i = 0; i < numVerts; ++i) verts[i].sm.Clear();
+    // The nodes of the old normals are reused: meshes rebuild their normals after every edit.
+    for (int i = 0; i < numVerts; ++i) verts[i].sm.Recycle();
     for (int i = 0; i < numFaces; ++i) {
         const cface& f = faces[i];
         if (!f.CheckVIndices(numVerts)) continue;

@@ -39,9 +39,21 @@ csmnormal::~csmnormal() {
 }
 
 void csmnormal::Clear() {
+    for (csmgroup** list : {&head, &spare}) {
+        while (*list) {
+            csmgroup* next = (*list)->next;
+            delete *list;
+            *list = next;
+        }
+    }
+    count = 0;
+}
+
+void csmnormal::Recycle() {
     while (head) {
         csmgroup* next = head->next;
-        delete head;
+        head->next = spare;
+        spare = head;
         head = next;
     }
     count = 0;
@@ -58,9 +70,14 @@ int csmnormal::AddNormal(const cpoint3& n, std::uint32_t mask) {
         ++g->count;
         return position;
     }
-    csmgroup* g = new (std::nothrow) csmgroup;
-    CORE_CHECK(g != nullptr, "smgroup");
-    if (!g) return -1;
+    csmgroup* g = spare;
+    if (g) {
+        spare = g->next;
+    } else {
+        g = new (std::nothrow) csmgroup;
+        CORE_CHECK(g != nullptr, "smgroup");
+        if (!g) return -1;
+    }
     g->normal[0] = n.x;
     g->normal[1] = n.y;
     g->normal[2] = n.z;

@@ -66,3 +66,30 @@ TEST(MeshSmNormal, NormalizesTheAverageAndCopiesDeeply) {
     assigned = three;
     EXPECT_EQ(Masks(assigned), (std::vector<std::uint32_t>{4, 2, 1}));
 }
+
+// Rebuilding reuses the nodes and still gives the list a fresh build would.
+TEST(MeshSmNormal, RecycledListsRebuildLikeNewOnes) {
+    csmnormal sm;
+    sm.AddNormal(cpoint3(1, 0, 0), 1);
+    sm.AddNormal(cpoint3(0, 1, 0), 2);
+    const csmgroup* oldNodes[] = {sm.GetHead(), sm.GetHead()->next};
+    sm.Recycle();
+    EXPECT_EQ(sm.NumGroups(), 0);
+    EXPECT_EQ(sm.GetHead(), nullptr);
+    cpoint3 n;
+    EXPECT_EQ(sm.GetNormal(n, 3), 0);
+
+    EXPECT_EQ(sm.AddNormal(cpoint3(0, 0, 2), 4), 0);
+    EXPECT_TRUE(sm.GetHead() == oldNodes[0] || sm.GetHead() == oldNodes[1])
+        << "a recycled node is taken first";
+    EXPECT_EQ(sm.AddNormal(cpoint3(0, 0, 2), 4), 0);
+    EXPECT_EQ(sm.AddNormal(cpoint3(3, 0, 0), 8), 1);
+    EXPECT_EQ(sm.AddNormal(cpoint3(0, 5, 0), 16), 2);  // beyond the recycled nodes
+    EXPECT_EQ(Masks(sm), (std::vector<std::uint32_t>{16, 8, 4}));
+    sm.Normalize();
+    ASSERT_EQ(sm.GetNormal(n, 4), 1);
+    EXPECT_FLOAT_EQ(n.z, 1.0f);
+    EXPECT_EQ(sm.GetHead()->next->next->count, 2);
+    sm.Clear();  // frees the list and the spare nodes (the leak checker watches)
+    EXPECT_EQ(sm.NumGroups(), 0);
+}
