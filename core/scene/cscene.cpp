@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -132,7 +133,7 @@ template <class NameAt>
 int Bearers(NameAt nameAt, int count, char const* name, int limit) {
     int bearers = 0;
     for (int i = 0; i < count && bearers < limit; ++i)
-        if (std::strcmp(nameAt(i), name) == 0) ++bearers;
+        if (std::string_view(nameAt(i)) == name) ++bearers;
     return bearers;
 }
 
