@@ -44,6 +44,8 @@ enum : unsigned long {
     UNDO_OBJECTCOLOR = 29,       // "Object Color": wire colours of the selected nodes
     UNDO_OBJECTPROPERTIES = 30,  // "Object Properties": shadow and see-through switches of
                                  // the selected nodes
+    UNDO_IKPARAMS = 31,          // "IK Parameters": every IK parameter of the selected nodes
+    UNDO_NOTES = 32,             // "Edit Notes": the notes of the selected nodes
 };
 
 // One level of the history. Subclasses capture state when they are made and put it back in

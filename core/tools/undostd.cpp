@@ -8,6 +8,7 @@
 // Application_InformDeleted, then destruction).
 #include <algorithm>
 #include <memory>
+#include <string>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -35,6 +36,8 @@ enum NodePart : unsigned {
     PART_MATERIAL = 0x10,
     PART_COLOR = 0x20,
     PART_PROPERTIES = 0x40,  // shadow switches and see-through display
+    PART_IK = 0x80,          // every IK parameter
+    PART_NOTES = 0x100,
 };
 
 // Reaches the node's cached transform, which has no public setter that leaves the key track
@@ -68,6 +71,9 @@ public:
             receiveShadow = node->GetReceiveShadowFlag();
             seeThrough = node->GetSeeThroughFlag();
         }
+        if (parts & PART_IK) CaptureIK();
+        if (parts & PART_NOTES && node->NotesSize() > 0)
+            notes.assign(node->GetNotes(), static_cast<size_t>(node->NotesSize()));
     }
 
     cnode* Node() const { return node; }
@@ -86,9 +92,38 @@ public:
             node->SetReceiveShadowFlag(receiveShadow);
             node->SetSeeThroughFlag(seeThrough);
         }
+        if (parts & PART_IK) RestoreIK();
+        if (parts & PART_NOTES) {
+            node->ClearNotes();
+            if (!notes.empty()) node->CopyNotes(notes.data(), static_cast<int>(notes.size()));
+        }
     }
 
 private:
+    void CaptureIK() {
+        ik.dof = node->IsIKDOFEnabled();
+        ik.damping = node->IsIKDampingEnabled();
+        ik.locked = node->IsIKLocked();
+        ik.dampWidth = node->GetIKDampWidth();
+        ik.minRot = node->GetIKMinRot();
+        ik.maxRot = node->GetIKMaxRot();
+        ik.initialRot = node->GetIKInitialRot();
+        ik.iterations = node->GetIKNumIterations();
+        ik.recurse = node->GetIKRecurseNum();
+    }
+
+    void RestoreIK() const {
+        node->EnableIKDOF(ik.dof);
+        node->EnableIKDamping(ik.damping);
+        node->LockIK(ik.locked);
+        node->SetIKDampWidth(ik.dampWidth);
+        node->SetIKMinRot(ik.minRot);
+        node->SetIKMaxRot(ik.maxRot);
+        node->SetIKInitialRot(ik.initialRot);
+        node->SetIKNumIterations(ik.iterations);
+        node->SetIKRecurseNum(ik.recurse);
+    }
+
     void CaptureTransform() {
         track = *node->GetAnimPtr();
         position = NodeCache::Position(*node);
@@ -127,6 +162,14 @@ private:
     cmaterial* material = nullptr;
     ccolor color;
     int castShadow = 0, receiveShadow = 0, seeThrough = 0;
+    struct {
+        int dof = 0, damping = 0, locked = 0;
+        float dampWidth = 0.0f;
+        cpoint3 minRot, maxRot;
+        cquat initialRot;
+        int iterations = 0, recurse = 0;
+    } ik;
+    std::string notes;
 };
 
 // Selection and visibility go through the scene so that its counters follow: first every
@@ -330,6 +373,8 @@ CORE_NODESTATE_ITEM(UNDO_SETKEYS, "Set Keys", Scope::All, PART_TRANSFORM)
 CORE_NODESTATE_ITEM(UNDO_DELETEKEYS, "Delete Keys", Scope::All, PART_TRANSFORM)
 CORE_NODESTATE_ITEM(UNDO_OBJECTCOLOR, "Object Color", Scope::Selected, PART_COLOR)
 CORE_NODESTATE_ITEM(UNDO_OBJECTPROPERTIES, "Object Properties", Scope::Selected, PART_PROPERTIES)
+CORE_NODESTATE_ITEM(UNDO_IKPARAMS, "IK Parameters", Scope::Selected, PART_IK)
+CORE_NODESTATE_ITEM(UNDO_NOTES, "Edit Notes", Scope::Selected, PART_NOTES)
 #undef CORE_NODESTATE_ITEM
 
 template <unsigned long Code>
@@ -654,6 +699,10 @@ UndoItem* MakeItem(unsigned long type) {
             return Make<NodeStateUndo<UNDO_OBJECTCOLOR>>();
         case UNDO_OBJECTPROPERTIES:
             return Make<NodeStateUndo<UNDO_OBJECTPROPERTIES>>();
+        case UNDO_IKPARAMS:
+            return Make<NodeStateUndo<UNDO_IKPARAMS>>();
+        case UNDO_NOTES:
+            return Make<NodeStateUndo<UNDO_NOTES>>();
         default:
             return nullptr;
     }

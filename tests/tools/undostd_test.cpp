@@ -452,6 +452,40 @@ TEST_F(StandardUndo, PutsBackClonesKeysColoursAndProperties) {
         lamp->SetCastShadowFlag(0);
         lamp->SetSeeThroughFlag(1);
     });
+    const std::function<std::vector<float>()> ik = [this] {
+        const cpoint3 lo = lamp->GetIKMinRot(), hi = lamp->GetIKMaxRot();
+        const cquat q = lamp->GetIKInitialRot();
+        return std::vector<float>{float(lamp->IsIKDOFEnabled()),
+                                  float(lamp->IsIKDampingEnabled()),
+                                  float(lamp->IsIKLocked()),
+                                  lamp->GetIKDampWidth(),
+                                  lo.x,
+                                  hi.z,
+                                  q.x,
+                                  q.w,
+                                  float(lamp->GetIKNumIterations()),
+                                  float(lamp->GetIKRecurseNum())};
+    };
+    ExpectObjectUndone<std::vector<float>>(UNDO_IKPARAMS, ik, [this] {
+        lamp->EnableIKDOF(1);
+        lamp->LockIK(1);
+        lamp->SetIKDampWidth(33.0f);
+        lamp->SetIKMinRot(cpoint3(-45.0f, 0.0f, 0.0f));
+        lamp->SetIKMaxRot(cpoint3(0.0f, 0.0f, 90.0f));
+        lamp->SetIKInitialRot(MakeQuat(0.6f, 0.0f, 0.0f, 0.8f));
+        lamp->SetIKNumIterations(7);
+        lamp->SetIKRecurseNum(3);
+    });
+    const std::function<std::string()> notes = [this] {
+        return lamp->NotesSize() > 0 ? std::string(lamp->GetNotes(), lamp->NotesSize())
+                                     : std::string();
+    };
+    lamp->CopyNotes("hangs over the desk", 19);
+    ExpectObjectUndone<std::string>(UNDO_NOTES, notes, [this] {
+        lamp->ClearNotes();
+        lamp->CopyNotes("moved to the shelf", 18);
+    });
+    ExpectObjectUndone<std::string>(UNDO_NOTES, notes, [this] { lamp->ClearNotes(); });
 }
 
 }  // namespace
