@@ -13,6 +13,7 @@
 #include "cquat.h"
 #include "math/angles.h"
 #include "nodelist.h"
+#include "scene/loadingnodes.h"
 
 namespace aimtarget {
 
@@ -92,11 +93,13 @@ inline int HandleMessage(cnode& self, cnode*& target, unsigned long msg, void* a
     return 0;
 }
 
-// The node a loaded record names as target: the loader's node of that name, never `self`
-// (null for an empty name or one no loaded node bears).
-inline cnode* FindTarget(const cnode& self, char const* name) {
+// Sets `target` to the node a loaded record names: the loader's node of that name, never
+// `self`. While a project file loads, a name borne only by a later record is resolved once
+// every record has been read; otherwise an unknown name leaves no target.
+inline void LoadTarget(const cnode& self, char const* name, cnode*& target) {
     cnode* found = name[0] ? NodeList::FindNode(name) : nullptr;
-    return found == &self ? nullptr : found;
+    target = found == &self ? nullptr : found;
+    if (!found && name[0]) DeferLink(&self, name, &target);
 }
 
 }  // namespace aimtarget

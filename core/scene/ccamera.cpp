@@ -159,7 +159,7 @@ int ccamera::Load(cio_load& in, unsigned long version) {
     if (ok && version >= kDepthVersion) ok = ReadFloat(in, depthNear) && ReadFloat(in, depthFar);
     char name[NODE_NAME_SIZE] = {};
     ok = ok && ReadName(in, name, version >= kLongNameVersion ? 64u : 32u);
-    if (ok) target = aimtarget::FindTarget(*this, name);
+    if (ok) aimtarget::LoadTarget(*this, name, target);
     if (!ok || !camAnim.Load(in, version)) return 0;
     if (camAnim.NumKeys() == 0) camAnim.SetKey(ccamkey());
     return 1;

@@ -319,7 +319,7 @@ int clight::Load(cio_load& in, unsigned long version) {
     if (ok && version >= kTargetVersion) {
         char name[NODE_NAME_SIZE] = {};
         ok = ReadName(in, name, TargetNameSize(version));
-        if (ok) target = aimtarget::FindTarget(*this, name);
+        if (ok) aimtarget::LoadTarget(*this, name, target);
     }
     if (!ok || !lightAnim.Load(in, version)) return 0;
     if (lightAnim.NumKeys() == 0) lightAnim.SetKey(clightkey());

@@ -6,6 +6,7 @@
 #ifndef ORVANE_CORE_SCENE_LOADINGNODES_H
 #define ORVANE_CORE_SCENE_LOADINGNODES_H
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,10 +26,34 @@ struct LoadingNodes {
         nodes.push_back(node);
         byName.Insert(node->GetName(), node);
     }
+
+    // A link (a light's or camera's target) to a node whose record comes later in the file.
+    struct PendingLink {
+        const cnode* self;
+        std::string name;
+        cnode** slot;
+    };
+    // Records add to it through DeferLink while they load.
+    mutable std::vector<PendingLink> pendingLinks;
+
+    // Points every pending slot at the loaded node of its name, never at the node that owns
+    // the slot; a name no loaded node bears leaves the slot null.
+    void ResolvePendingLinks() const {
+        for (const PendingLink& link : pendingLinks) {
+            cnode* const* found = byName.Find(link.name);
+            if (found && *found != link.self) *link.slot = *found;
+        }
+        pendingLinks.clear();
+    }
 };
 
 // While `loading` is set (non-null), NodeList::FindNode and NodeList::Find answer as MainScene
 // would if it held exactly the loaded nodes, in load order.
 void SetLoadingNodes(const LoadingNodes* loading);
+
+// While a project file loads, arranges for `*slot` (a member of `self`) to point at the node
+// named `name` once every record has been read, and answers 1. With no load in progress it
+// does nothing and answers 0.
+int DeferLink(const cnode* self, char const* name, cnode** slot);
 
 #endif

@@ -32,6 +32,13 @@ void SetLoadingNodes(const LoadingNodes* loading) {
     Loading() = loading;
 }
 
+int DeferLink(const cnode* self, char const* name, cnode** slot) {
+    const LoadingNodes* loading = Loading();
+    if (!loading || !name || !*name || !slot) return 0;
+    loading->pendingLinks.push_back({self, name, slot});
+    return 1;
+}
+
 int NodeList::ReadNodeNames(cio_load& in) {
     return Table().Read(in, PROJECT_NODE_TABLE_OFFSET_AT, PROJECT_NODE_COUNT_AT, AllocateNodeNames);
 }

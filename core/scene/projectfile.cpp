@@ -333,6 +333,7 @@ public:
     PendingNodes& operator=(const PendingNodes&) = delete;
 
     void Add(cnode* node) { loading.Add(node); }
+    void ResolvePendingLinks() { loading.ResolvePendingLinks(); }
     int HandOver() {
         SetLoadingNodes(nullptr);
         return owner.HandOver([](cnode** nodes, int n) { MainScene.AddNodeArray(nodes, n, 1); },
@@ -435,7 +436,10 @@ int LoadNodes(Loading& loading) {
     if (loading.in.SetPosition(section.offset, 0) != 0) return 0;
     for (std::uint32_t i = 0; i < loading.header.numNodes; ++i)
         if (!LoadNodeRecord(loading)) return 0;
-    return loading.in.GetPosition() == section.End() && loading.nodes.HandOver();
+    if (loading.in.GetPosition() != section.End()) return 0;
+    // Targets saved after the lights and cameras that aim at them.
+    loading.nodes.ResolvePendingLinks();
+    return loading.nodes.HandOver();
 }
 
 // Records come parents first; the scene takes the table's order back. Each table name claims

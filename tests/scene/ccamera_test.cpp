@@ -232,9 +232,11 @@ TEST_F(CameraRecord, ProjectFilesBringBackLightsAndCameras) {
     camera->SetFOV(0, 35.0f);
     camera->SetDepthFar(900.0f);
     camera->SetPosition(0, cpoint3(3, 0, 0));
-    MainScene.AddNode(aim, 1);
+    camera->SetTarget(aim);
+    // The target's record comes after the records that aim at it.
     MainScene.AddNode(spot, 1);
     MainScene.AddNode(camera, 1);
+    MainScene.AddNode(aim, 1);
     ASSERT_EQ(SaveProjectFile(path.c_str()), 1);
 
     MainScene.Clear();
@@ -253,4 +255,5 @@ TEST_F(CameraRecord, ProjectFilesBringBackLightsAndCameras) {
     EXPECT_FLOAT_EQ(loadedEye->GetFOV(0), 35.0f);
     EXPECT_FLOAT_EQ(loadedEye->GetDepthFar(), 900.0f);
     EXPECT_TRUE(Near3(loadedEye->GetPosition(0), cpoint3(3, 0, 0)));
+    EXPECT_EQ(loadedEye->GetTarget(), loadedAim);
 }
