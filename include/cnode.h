@@ -25,7 +25,7 @@
 #include "cquat.h"
 
 class CGLWindow;
-class celement;
+struct celement;
 class cmaterial;
 class cuniquemesh;
 

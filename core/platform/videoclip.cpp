@@ -105,7 +105,7 @@ void VideoClip::Decoder::CountFrames() {
     if (count <= 0 && video->duration != AV_NOPTS_VALUE)
         count = av_rescale_q(video->duration, video->time_base, av_inv_q(frameRate));
     if (count <= 0 && format->duration != AV_NOPTS_VALUE)
-        count = av_rescale_q(format->duration, AV_TIME_BASE_Q, av_inv_q(frameRate));
+        count = av_rescale_q(format->duration, AVRational{1, AV_TIME_BASE}, av_inv_q(frameRate));
     numFrames = count > 0 && count < (1 << 30) ? static_cast<int>(count) : 0;
 }
 
