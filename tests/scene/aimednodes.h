@@ -15,12 +15,23 @@
 #include "cnode.h"
 #include "coreglcontext.h"
 #include "cpoint.h"
+#include "cscene.h"
+#include "support/animclockfixture.h"
 #include "support/bytestring.h"
 #include "support/testsupport.h"
 
 // The base record of an untransformed node without parent, material, notes or flags, with
 // the defaults of a new node (IK block, one identity key at time 0) in the layout of
 // `version`: 32-byte names below 13, no IK block below 7, no see-through word below 15.
+// The clock fixture, with MainScene emptied after every test.
+class SceneClockTest : public AnimClockTest {
+protected:
+    void TearDown() override {
+        MainScene.Clear();
+        AnimClockTest::TearDown();
+    }
+};
+
 inline std::string BaseRecord(std::uint32_t type, std::uint32_t subType, const std::string& name,
                               const ccolor& color, unsigned long version) {
     const std::size_t nameSize = version >= 13 ? 64 : 32;

@@ -14,19 +14,12 @@
 #include "cparamanim.h"
 #include "cscene.h"
 #include "scene/aimednodes.h"
-#include "support/animclockfixture.h"
 #include "support/bytestring.h"
 #include "support/testsupport.h"
 
 namespace {
 
-class Camera : public AnimClockTest {
-protected:
-    void TearDown() override {
-        MainScene.Clear();
-        AnimClockTest::TearDown();
-    }
-};
+class Camera : public SceneClockTest {};
 using CameraRecord = Camera;
 
 float KeyedFOV(ccamera& camera, int t) {

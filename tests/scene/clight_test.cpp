@@ -13,18 +13,11 @@
 #include "cquat.h"
 #include "cscene.h"
 #include "scene/aimednodes.h"
-#include "support/animclockfixture.h"
 #include "support/bytestring.h"
 
 namespace {
 
-class Light : public AnimClockTest {
-protected:
-    void TearDown() override {
-        MainScene.Clear();
-        AnimClockTest::TearDown();
-    }
-};
+class Light : public SceneClockTest {};
 using LightRecord = Light;
 
 clightkey KeyAtTime(clight& light, int t) {
