@@ -10,24 +10,13 @@
 
 #include "cmesh.h"
 #include "mesh/edgeoracle.h"
+#include "mesh/meshfixtures.h"
 #include "support/objreader.h"
 #include "support/testsupport.h"
 
 namespace {
 
 constexpr unsigned int kNone = 0xFFFFFFFFu;
-
-// The unit cube (vertex x + 2y + 4z), each side two triangles, all wound the same way.
-void MakeCube(cmesh& mesh) {
-    std::vector<cpoint3> points;
-    for (int i = 0; i < 8; ++i)
-        points.emplace_back(float(i & 1), float((i >> 1) & 1), float(i >> 2));
-    const int quads[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
-                             {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
-    std::vector<int> indices;
-    for (const auto& q : quads) indices.insert(indices.end(), {q[0], q[1], q[2], q[0], q[2], q[3]});
-    ASSERT_EQ(mesh.SetMesh(points.data(), nullptr, nullptr, indices.data(), 8, 0, 12), 1);
-}
 
 // A strip of four hinged quads (two triangles each), each quad turned 30 degrees from the
 // previous one about the shared hinge line (parallel to y).
@@ -46,7 +35,7 @@ void MakeBentStrip(cmesh& mesh) {
         const int a = 2 * i, b = a + 1, c = a + 3, d = a + 2;
         indices.insert(indices.end(), {a, b, c, a, c, d});
     }
-    ASSERT_EQ(mesh.SetMesh(points.data(), nullptr, nullptr, indices.data(), 10, 0, 8), 1);
+    ASSERT_TRUE(BuildMesh(mesh, points, indices));
 }
 
 std::vector<unsigned int> Clusters(const FaceClusterList& list) {
@@ -61,8 +50,7 @@ TEST(FaceClusterList, CubeSplitsIntoSidesBelowTheRightAngleAndStaysWholeAbove) {
     cmesh cube;
     MakeCube(cube);
     AdjFaceList adjacency;
-    ASSERT_EQ(adjacency.Init(cube), 1);
-    ASSERT_EQ(adjacency.Create(), 1);
+    ASSERT_TRUE(LinkFaces(cube, adjacency));
     FaceClusterList clusters;
     ASSERT_EQ(clusters.Init(cube, adjacency, 0, 45.0f, 1), 1);
     EXPECT_EQ(clusters.NumClusters(), 6);
@@ -82,8 +70,7 @@ TEST(FaceClusterList, AngleIsMeasuredBetweenNeighboursSoClustersMayBend) {
     cmesh strip;
     MakeBentStrip(strip);
     AdjFaceList adjacency;
-    ASSERT_EQ(adjacency.Init(strip), 1);
-    ASSERT_EQ(adjacency.Create(), 1);
+    ASSERT_TRUE(LinkFaces(strip, adjacency));
     FaceClusterList clusters;
     // The ends are 90 degrees apart, each hinge 30.
     ASSERT_EQ(clusters.Init(strip, adjacency, 0, 45.0f, 1), 1);
@@ -97,8 +84,7 @@ TEST(FaceClusterList, SkipsUnselectedAndInvalidFaces) {
     cmesh cube;
     MakeCube(cube);
     AdjFaceList adjacency;
-    ASSERT_EQ(adjacency.Init(cube), 1);
-    ASSERT_EQ(adjacency.Create(), 1);
+    ASSERT_TRUE(LinkFaces(cube, adjacency));
     FaceClusterList clusters;
     ASSERT_EQ(clusters.Init(cube, adjacency, 1, 45.0f, 0), 1);
     EXPECT_EQ(clusters.NumClusters(), 0);
@@ -118,8 +104,7 @@ TEST(FaceClusterList, SkipsUnselectedAndInvalidFaces) {
     ASSERT_EQ(partial.SetFace(0, cface(0, 1, 2)), 1);
     ASSERT_EQ(partial.SetFace(1, cface(2, 1, 3)), 1);
     AdjFaceList partialAdjacency;
-    ASSERT_EQ(partialAdjacency.Init(partial), 1);
-    ASSERT_EQ(partialAdjacency.Create(), 1);
+    ASSERT_TRUE(LinkFaces(partial, partialAdjacency));
     ASSERT_EQ(clusters.Init(partial, partialAdjacency, 0, 0.0f, 0), 1);
     EXPECT_EQ(Clusters(clusters), (std::vector<unsigned int>{0, 0, kNone}));
 
@@ -140,8 +125,7 @@ TEST(EdgeClusterList, ClustersEdgesThroughSharedStartVertices) {
     const int indices[] = {0, 1, 2, 4, 5, 6, 2, 7, 3};
     ASSERT_EQ(mesh.SetMesh(points.data(), nullptr, nullptr, indices, 8, 0, 3), 1);
     AdjEdgeList adjacency;
-    ASSERT_EQ(adjacency.Init(mesh), 1);
-    ASSERT_EQ(adjacency.Create(), 1);
+    ASSERT_TRUE(LinkFaces(mesh, adjacency));
     EdgeClusterList clusters;
     ASSERT_EQ(clusters.Init(mesh, adjacency, 0), 1);
     EXPECT_EQ(clusters.NumClusters(), 2);
@@ -168,8 +152,7 @@ void ExpectUnionFindClusters(const char* name, std::initializer_list<bool> angle
     cmesh mesh;
     ASSERT_TRUE(BuildMesh(data, mesh)) << name;
     AdjFaceList adjacency;
-    ASSERT_EQ(adjacency.Init(mesh), 1);
-    ASSERT_EQ(adjacency.Create(), 1);
+    ASSERT_TRUE(LinkFaces(mesh, adjacency));
     const auto links = OracleLinks(data.triangles);
     const auto normals = OracleNormals(data);
     for (bool useAngle : angleModes) {

@@ -63,8 +63,7 @@ TEST(MeshSmooth, AutoSmoothSeparatesClustersMeetingAtAVertex) {
     ASSERT_TRUE(LoadObjMesh(bunny, "bunny.obj"));
     ASSERT_EQ(bunny.AutoSmooth(30.0f, 0), 1);
     AdjFaceList adjacency;
-    ASSERT_EQ(adjacency.Init(bunny), 1);
-    ASSERT_EQ(adjacency.Create(), 1);
+    ASSERT_TRUE(LinkFaces(bunny, adjacency));
     FaceClusterList clusters;
     ASSERT_EQ(clusters.Init(bunny, adjacency, 0, 30.0f, 1), 1);
     ASSERT_GT(clusters.NumClusters(), 1);

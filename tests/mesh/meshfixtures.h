@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "adjacency.h"
 #include "cmesh.h"
 #include "support/objreader.h"
 #include "support/testsupport.h"
@@ -31,6 +32,13 @@ inline void MakeCube(cmesh& mesh) {
                             static_cast<float>((i >> 2) & 1));
     BuildMesh(mesh, points, {0, 2, 3, 0, 3, 1, 4, 5, 7, 4, 7, 6, 0, 1, 5, 0, 5, 4,
                              2, 6, 7, 2, 7, 3, 0, 4, 6, 0, 6, 2, 1, 3, 7, 1, 7, 5});
+}
+
+// Fills an adjacency list (AdjFaceList or AdjEdgeList) from `mesh` and links it; true when
+// both steps succeed.
+template <class Adjacency>
+bool LinkFaces(cmesh& mesh, Adjacency& adjacency) {
+    return adjacency.Init(mesh) == 1 && adjacency.Create() == 1;
 }
 
 // An n x n grid of unit squares in the z = 0 plane, two triangles per square.
