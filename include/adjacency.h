@@ -5,6 +5,7 @@
 #define ORVANE_ADJACENCY_H
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "cbitarray.h"
@@ -40,22 +41,21 @@ struct CORE_API AdjTriangle {
 // The three key arrays of a list of edges: the face of each edge record and its two vertex
 // references, lower first.
 struct AdjEdgeKeys {
-    std::vector<unsigned int> face, lower, higher;
+    std::unique_ptr<unsigned int[]> face, lower, higher;
+    unsigned int count = 0;
 
-    void Reserve(std::size_t n) {
-        face.reserve(n);
-        lower.reserve(n);
-        higher.reserve(n);
-    }
-    // Adds the record of edge a-b of face `faceIndex`; a must not exceed b.
+    // Makes room for n records, dropping any held (std::bad_alloc when memory runs out).
+    void Allocate(std::size_t n);
+    // Adds the record of edge a-b of face `faceIndex`; a must not exceed b. Allocate made room.
     void Add(unsigned int a, unsigned int b, unsigned int faceIndex) {
-        face.push_back(faceIndex);
-        lower.push_back(a);
-        higher.push_back(b);
+        const unsigned int at = count++;
+        face[at] = faceIndex;
+        lower[at] = a;
+        higher[at] = b;
     }
     // Frees the three arrays.
     void Release() { *this = AdjEdgeKeys(); }
-    unsigned int Count() const { return static_cast<unsigned int>(face.size()); }
+    unsigned int Count() const { return count; }
 };
 
 // The triangles and edge records that AdjFaceList and CheckFaceList build from a mesh.

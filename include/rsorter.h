@@ -3,13 +3,16 @@
 #ifndef ORVANE_RSORTER_H
 #define ORVANE_RSORTER_H
 
-#include <vector>
+#include <memory>
 
 #include "coreapi.h"
 
 class CORE_API RSorter {
 public:
-    RSorter() = default;
+    RSorter();
+    ~RSorter();
+    RSorter(RSorter&&) noexcept;
+    RSorter& operator=(RSorter&&) noexcept;
 
     // Orders items 0..count-1 by keys[item], ascending and stable. When the previous Sort had
     // the same count (and ResetRanks was not called since), ties keep the order that sort left,
@@ -19,23 +22,28 @@ public:
 
     // The items in sorted order: GetRanks()[i] is the item of rank i (count entries, null
     // before the first Sort).
-    const unsigned int* GetRanks() const { return ranks_.empty() ? nullptr : ranks_.data(); }
-    unsigned int GetCount() const { return static_cast<unsigned int>(ranks_.size()); }
+    const unsigned int* GetRanks() const;
+    unsigned int GetCount() const { return count_; }
     // The keys of the last Sort in sorted order: GetSortedKeys()[i] = keys[GetRanks()[i]].
-    const unsigned int* GetSortedKeys() const {
-        return orderedKeys_.empty() ? nullptr : orderedKeys_.data();
-    }
+    const unsigned int* GetSortedKeys() const { return count_ ? orderedKeys_.get() : nullptr; }
 
-    // Makes the next Sort start again from item order.
-    void ResetRanks() {
-        ranks_.clear();
-        orderedKeys_.clear();
-    }
+    // Makes the next Sort start again from item order (the buffers are kept).
+    void ResetRanks() { count_ = 0; }
 
 private:
-    std::vector<unsigned int> ranks_;
-    // Buffers of the passes, kept for the next Sort.
-    std::vector<unsigned int> scratch_, orderedKeys_, scratchKeys_;
+    // Makes room for `count` items in every buffer; throws std::bad_alloc.
+    void Reserve(unsigned int count);
+
+public:
+    struct KeyedItem;  // the passes' (key, item) pairs
+
+private:
+    // The order and the keys in that order, then the pairs the passes write between.
+    std::unique_ptr<unsigned int[]> ranks_, orderedKeys_;
+    std::unique_ptr<KeyedItem[]> pairs_, otherPairs_;
+    unsigned int count_ = 0, capacity_ = 0;
+    // The ranks are item order but not yet written out.
+    mutable bool itemOrder_ = false;
 };
 
 #endif

@@ -6,6 +6,7 @@
 
 #include "cmesh.h"
 #include "mesh/edgematch.h"
+#include "platform/hugepages.h"
 
 namespace {
 
@@ -19,17 +20,52 @@ unsigned int EdgeEnd(const AdjTriangle& t, int k) {
     return t.vref[(k + 1) % 3];
 }
 
+// Reserves room for n values, advised for large pages before anything is written.
+template <class T>
+void ReserveLarge(std::vector<T>& values, size_t n) {
+    values.reserve(n);
+    AdviseLargePages(values.data(), n * sizeof(T));
+}
+
+// The edge records of a triangle array, read from the triangles: record 3f+k is edge k of
+// triangle f, as AddTriangle adds them.
+struct TriangleRecords {
+    const AdjTriangle* triangles;
+    unsigned int Lower(unsigned int r) const {
+        const AdjTriangle& t = triangles[r / 3];
+        const unsigned int k = r % 3;
+        return std::min(t.vref[k], t.vref[k == 2 ? 0 : k + 1]);
+    }
+    unsigned int Face(unsigned int r) const { return r / 3; }
+    void Fetch(unsigned int r) const { FetchEdgeData(&triangles[r / 3]); }
+};
+
+// The edge records of an AdjEdgeList, read from its corner records.
+struct CornerRecords {
+    const AdjEdge* edges;
+    unsigned int Lower(unsigned int r) const {
+        return std::min(static_cast<unsigned int>(edges[r].v0),
+                        static_cast<unsigned int>(edges[r].v1));
+    }
+    unsigned int Face(unsigned int r) const { return edges[r].face; }
+    void Fetch(unsigned int r) const { FetchEdgeData(&edges[r]); }
+};
+
 bool JoinsEither(unsigned int a, unsigned int b, unsigned int r1, unsigned int r2) {
-    return (a == r1 && b == r2) || (a == r2 && b == r1);
+    return ((a == r1) & (b == r2)) | ((a == r2) & (b == r1));
 }
 
 }  // namespace
 
 unsigned char AdjTriangle::FindEdge(unsigned int r1, unsigned int r2) const {
-    for (int k = 0; k < 3; ++k)
-        if (JoinsEither(EdgeStart(*this, k), EdgeEnd(*this, k), r1, r2))
-            return static_cast<unsigned char>(k);
-    return kNoEdge;
+    // The first matching edge, looked up from the three matches without branching: which
+    // edge matches is unpredictable while linking.
+    static constexpr unsigned char kFirstOf[8] = {kNoEdge, 0, 1, 0, 2, 0, 1, 0};
+    const unsigned int on0 = JoinsEither(EdgeStart(*this, 0), EdgeEnd(*this, 0), r1, r2);
+    const unsigned int on1 = JoinsEither(EdgeStart(*this, 1), EdgeEnd(*this, 1), r1, r2);
+    const unsigned int on2 = JoinsEither(EdgeStart(*this, 2), EdgeEnd(*this, 2), r1, r2);
+    const unsigned int matches = on0 | (on1 << 1) | (on2 << 2);
+    return kFirstOf[matches];
 }
 
 unsigned int AdjTriangle::OppositeVertex(unsigned int r1, unsigned int r2) const {
@@ -39,14 +75,22 @@ unsigned int AdjTriangle::OppositeVertex(unsigned int r1, unsigned int r2) const
 
 // ---- AdjTriangleArrays ----
 
+void AdjEdgeKeys::Allocate(std::size_t n) {
+    Release();
+    face.reset(NewLargeArray<unsigned int>(n));
+    lower.reset(NewLargeArray<unsigned int>(n));
+    higher.reset(NewLargeArray<unsigned int>(n));
+}
+
 template <class Corner>
 int AdjTriangleArrays::Build(int count, Corner corner) {
     triangles_.clear();
     edges_.Release();
     if (count < 1) return 0;
     try {
-        triangles_.reserve(static_cast<size_t>(count));
-        edges_.Reserve(3 * static_cast<size_t>(count));
+        const size_t records = 3 * static_cast<size_t>(count);
+        ReserveLarge(triangles_, static_cast<size_t>(count));
+        edges_.Allocate(records);
     } catch (const std::bad_alloc&) {
         triangles_ = std::vector<AdjTriangle>();
         edges_.Release();
@@ -106,15 +150,17 @@ int AdjFaceList::UpdateLink(unsigned int f1, unsigned int f2, unsigned int r1, u
 int AdjFaceList::Create() {
     if (triangles_.empty() || edges_.Count() == 0) return 0;
     int result = 1;
-    const bool walked = WalkEdgeRuns(edges_, [&](unsigned int lower, unsigned int higher,
-                                                 const unsigned int* faces, unsigned int size) {
-        // Intended: an edge of three or more triangles ends the linking with success;
-        // later edges stay open and the edge records are kept.
-        if (size > 2) return false;
-        if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
-        return result != 0;
-    });
-    if (!walked && result != 0) return result;
+    const EdgeWalk walk = WalkEdgeRuns(
+        edges_, TriangleRecords{triangles_.data()},
+        [&](unsigned int lower, unsigned int higher, const unsigned int* faces, unsigned int size) {
+            // Intended: an edge of three or more triangles ends the linking with success;
+            // later edges stay open and the edge records are kept.
+            if (size > 2) return false;
+            if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
+            return result != 0;
+        });
+    if (walk == EdgeWalk::kNoMemory) result = 0;
+    if (walk == EdgeWalk::kStopped && result != 0) return result;
     edges_.Release();
     return result;
 }
@@ -125,20 +171,21 @@ int CheckFaceList::Check() {
     open_ = shared_ = overShared_ = 0;
     if (triangles_.empty() || edges_.Count() == 0) return 0;
     bool found = true;
-    WalkEdgeRuns(edges_, [&](unsigned int lower, unsigned int higher, const unsigned int* faces,
-                             unsigned int size) {
-        if (size == 1) {
-            ++open_;
-        } else if (size == 2) {
-            ++shared_;
-            found = found && triangles_[faces[0]].FindEdge(lower, higher) != kNoEdge &&
-                    triangles_[faces[1]].FindEdge(lower, higher) != kNoEdge;
-        } else {
-            ++overShared_;
-        }
-        return true;
-    });
-    return found && overShared_ == 0;
+    const EdgeWalk walk = WalkEdgeRuns(
+        edges_, TriangleRecords{triangles_.data()},
+        [&](unsigned int lower, unsigned int higher, const unsigned int* faces, unsigned int size) {
+            if (size == 1) {
+                ++open_;
+            } else if (size == 2) {
+                ++shared_;
+                found = found && triangles_[faces[0]].FindEdge(lower, higher) != kNoEdge &&
+                        triangles_[faces[1]].FindEdge(lower, higher) != kNoEdge;
+            } else {
+                ++overShared_;
+            }
+            return true;
+        });
+    return walk != EdgeWalk::kNoMemory && found && overShared_ == 0;
 }
 
 // ---- AdjEdgeList ----
@@ -214,7 +261,7 @@ int AdjEdgeList::Create() {
     if (edges_.empty()) return 0;
     AdjEdgeKeys keys;
     try {
-        keys.Reserve(edges_.size());
+        keys.Allocate(edges_.size());
         for (const AdjEdge& e : edges_) {
             const unsigned int a = static_cast<unsigned int>(e.v0);
             const unsigned int b = static_cast<unsigned int>(e.v1);
@@ -224,12 +271,14 @@ int AdjEdgeList::Create() {
         return 0;
     }
     int result = 1;
-    WalkEdgeRuns(keys, [&](unsigned int lower, unsigned int higher, const unsigned int* faces,
-                           unsigned int size) {
-        // Intended: as for faces, an edge of three or more faces ends the linking with success.
-        if (size > 2) return false;
-        if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
-        return result != 0;
-    });
-    return result;
+    const EdgeWalk walk = WalkEdgeRuns(
+        keys, CornerRecords{edges_.data()},
+        [&](unsigned int lower, unsigned int higher, const unsigned int* faces, unsigned int size) {
+            // Intended: as for faces, an edge of three or more faces ends the linking with
+            // success.
+            if (size > 2) return false;
+            if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
+            return result != 0;
+        });
+    return walk == EdgeWalk::kNoMemory ? 0 : result;
 }

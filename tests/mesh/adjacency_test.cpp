@@ -53,6 +53,16 @@ TEST(AdjTriangle, FindsEdgesAndOppositeCornersInEitherOrder) {
     EXPECT_EQ(t.OppositeVertex(1, 2), kNone);
     EXPECT_EQ(AdjLinkFace(5u | (2u << 30)), 5u);
     EXPECT_EQ(AdjLinkEdge(5u | (2u << 30)), 2u);
+
+    // A degenerate triangle has edges joining the same pair twice: the first one counts.
+    for (const auto& corners :
+         {std::array<unsigned int, 3>{4, 6, 4}, {6, 4, 6}, {4, 6, 6}, {4, 4, 6}}) {
+        AdjTriangle d;
+        std::copy(corners.begin(), corners.end(), d.vref);
+        const unsigned char first = corners[0] != corners[1] ? 0 : 1;
+        EXPECT_EQ(d.FindEdge(4, 6), first) << corners[0] << corners[1] << corners[2];
+        EXPECT_EQ(d.FindEdge(6, 4), first);
+    }
 }
 
 TEST(AdjFaceList, LinksTwoTrianglesAcrossTheirSharedEdgeOnly) {

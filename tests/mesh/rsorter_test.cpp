@@ -77,3 +77,34 @@ TEST(RSorter, ChainedPassesOrderByTheLastKeyThenTheEarlierOnes) {
     s.Sort(same.data(), 3);
     EXPECT_EQ(Ranks(s), (std::vector<unsigned int>{0, 1, 2}));
 }
+
+TEST(RSorter, LargeSortsSplitOverCoresGiveTheSameStableOrder) {
+    // Large enough to be split over the cores where there are several; one pass, two and
+    // three, fresh and chained (the lone chained pass reads through the earlier ranks).
+    std::mt19937 rng(5);
+    const size_t n = 600000;
+    const auto ascending = [&] {
+        std::vector<unsigned int> keys(n);
+        for (size_t i = 0; i < n; ++i) keys[i] = static_cast<unsigned int>(i / 3);
+        return keys;
+    }();
+    for (unsigned int mask : {0x3FFu, 0x7FFFFu, 0xFFFFFFFFu}) {
+        const auto first = RandomKeys(rng, n, 0xFFFFu), second = RandomKeys(rng, n, mask);
+        RSorter fresh;
+        fresh.Sort(second.data(), n);
+        EXPECT_EQ(
+            Ranks(fresh),
+            StableOrder(n, [&](unsigned int x, unsigned int y) { return second[x] < second[y]; }))
+            << std::hex << mask;
+
+        RSorter chained;
+        chained.Sort(ascending.data(), n).Sort(first.data(), n).Sort(second.data(), n);
+        const auto expected = StableOrder(n, [&](unsigned int x, unsigned int y) {
+            if (second[x] != second[y]) return second[x] < second[y];
+            return first[x] < first[y];
+        });
+        ASSERT_EQ(Ranks(chained), expected) << std::hex << mask;
+        for (size_t i = 0; i < n; i += 997)
+            ASSERT_EQ(chained.GetSortedKeys()[i], second[expected[i]]) << i;
+    }
+}
