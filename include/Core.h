@@ -36,6 +36,7 @@
 #include "cmesh.h"
 #include "cnode.h"
 #include "cscene.h"
+#include "cskin.h"
 #include "ik.h"
 #include "mtllist.h"
 #include "nodelist.h"

@@ -12,6 +12,7 @@
 #include "coreapi.h"
 
 class cmesh;
+class cskin;
 struct cface;
 
 // The link of an edge without a neighbour.
@@ -69,6 +70,8 @@ public:
     // faces or when memory runs out, else 1. The face-array form reads `count` faces; the
     // index form reads `count` triangles of three indices each.
     int Init(cmesh& mesh);
+    // A skin's faces, exactly as the mesh form takes them.
+    int Init(cskin& skin);
     int Init(cface* faces, int count);
     int Init(int* indices, int count);
 
@@ -127,6 +130,8 @@ public:
     // Builds the records and the per-vertex lists (valid edges only, in face order). 0 for a
     // mesh without faces or when memory runs out, else 1.
     int Init(cmesh& mesh);
+    // A skin's faces and vertices, exactly as the mesh form takes them.
+    int Init(cskin& skin);
     // Links each record to the face across its edge where exactly two records share the
     // edge; same matching and early end as AdjFaceList::Create.
     int Create();

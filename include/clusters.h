@@ -27,6 +27,8 @@ public:
     // 0 for a mesh without faces, when memory runs out or when `adjacency` does not hold one
     // triangle per face of `mesh`; else 1.
     int Init(cmesh& mesh, AdjFaceList& adjacency, int selectedOnly, float angle, int useAngle);
+    // A skin's faces, exactly as the mesh form takes them.
+    int Init(cskin& skin, AdjFaceList& adjacency, int selectedOnly, float angle, int useAngle);
 
     int NumClusters() const { return numClusters_; }
     int NumFaces() const { return static_cast<int>(clusters_.size()); }
@@ -67,6 +69,8 @@ public:
     // without faces, when memory runs out or when `adjacency` does not hold three records per
     // face of `mesh`; else 1.
     int Init(cmesh& mesh, AdjEdgeList& adjacency, int selectedOnly);
+    // A skin's edges, exactly as the mesh form takes them.
+    int Init(cskin& skin, AdjEdgeList& adjacency, int selectedOnly);
 
     int NumClusters() const { return numClusters_; }
     int NumEdges() const { return static_cast<int>(clusters_.size()); }

@@ -6,6 +6,7 @@
 #ifndef ORVANE_CORE_SCENE_LOADINGNODES_H
 #define ORVANE_CORE_SCENE_LOADINGNODES_H
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,21 +28,23 @@ struct LoadingNodes {
         byName.Insert(node->GetName(), node);
     }
 
-    // A link (a light's or camera's target) to a node whose record comes later in the file.
+    // A link (a light's or camera's target, a skin's bone) to a node whose record comes
+    // later in the file. `link` receives the node of that name once every record is read, or
+    // null when none bears it.
     struct PendingLink {
         const cnode* self;
         std::string name;
-        cnode** slot;
+        std::function<void(cnode*)> link;
     };
     // Records add to it through DeferLink while they load.
     mutable std::vector<PendingLink> pendingLinks;
 
-    // Points every pending slot at the loaded node of its name, never at the node that owns
-    // the slot; a name no loaded node bears leaves the slot null.
+    // Hands every pending link the loaded node of its name, never the node that owns the
+    // link (null instead), in the order the links were made.
     void ResolvePendingLinks() const {
-        for (const PendingLink& link : pendingLinks) {
-            cnode* const* found = byName.Find(link.name);
-            if (found && *found != link.self) *link.slot = *found;
+        for (const PendingLink& pending : pendingLinks) {
+            cnode* const* found = byName.Find(pending.name);
+            pending.link(found && *found != pending.self ? *found : nullptr);
         }
         pendingLinks.clear();
     }
@@ -51,9 +54,11 @@ struct LoadingNodes {
 // would if it held exactly the loaded nodes, in load order.
 void SetLoadingNodes(const LoadingNodes* loading);
 
-// While a project file loads, arranges for `*slot` (a member of `self`) to point at the node
-// named `name` once every record has been read, and answers 1. With no load in progress it
-// does nothing and answers 0.
+// While a project file loads, arranges for `link` (which sets a member of `self`) to receive
+// the node named `name` once every record has been read (null when no loaded node other than
+// `self` bears it), and answers 1. With no load in progress it does nothing and answers 0.
+int DeferLink(const cnode* self, char const* name, std::function<void(cnode*)> link);
+// The same for a plain pointer member `*slot`, which a name no loaded node bears leaves null.
 int DeferLink(const cnode* self, char const* name, cnode** slot);
 
 #endif

@@ -2,6 +2,7 @@
 #include "nodelist.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "cscene.h"
 #include "runtime/check.h"
@@ -32,11 +33,18 @@ void SetLoadingNodes(const LoadingNodes* loading) {
     Loading() = loading;
 }
 
-int DeferLink(const cnode* self, char const* name, cnode** slot) {
+int DeferLink(const cnode* self, char const* name, std::function<void(cnode*)> link) {
     const LoadingNodes* loading = Loading();
-    if (!loading || !name || !*name || !slot) return 0;
-    loading->pendingLinks.push_back({self, name, slot});
+    if (!loading || !name || !*name || !link) return 0;
+    loading->pendingLinks.push_back({self, name, std::move(link)});
     return 1;
+}
+
+int DeferLink(const cnode* self, char const* name, cnode** slot) {
+    if (!slot) return 0;
+    return DeferLink(self, name, [slot](cnode* node) {
+        if (node) *slot = node;
+    });
 }
 
 int NodeList::ReadNodeNames(cio_load& in) {

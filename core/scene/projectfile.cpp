@@ -26,6 +26,7 @@
 #include "cnode.h"
 #include "cpoint.h"
 #include "cscene.h"
+#include "cskin.h"
 #include "mtllist.h"
 #include "nodelist.h"
 #include "runtime/flatmap.h"
@@ -255,6 +256,9 @@ cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t su
         }
         case TYPE_CAMERA:
             return CreateNewCamera();
+        case TYPE_SKIN:
+            // A skin's record links its bones by name, resolved once every record is read.
+            return CreateNewSkin();
         default:
             return nullptr;
     }
