@@ -280,9 +280,9 @@ protected:
     // The state of one GetNodesHierarchy walk: the order being filled, the next position in
     // it, which scene indices are listed already, and the scene index of every node.
     struct HierarchyWalk;
-    // Lists `node`, a node of this scene, unless it is listed already, then its descendants
-    // that are in the scene, depth-first in child order.
-    void RecurseNodesHierarchy(cnode* node, HierarchyWalk& walk);
+    // Lists the node at scene index `index` unless it is listed already, then its
+    // descendants that are in the scene, depth-first in child order.
+    void WalkNodesHierarchy(int index, HierarchyWalk& walk);
 
 private:
     // Updates the cached single selected node after a change of the selected counter.

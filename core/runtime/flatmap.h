@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -26,7 +27,7 @@ public:
         const size_t hash = std::hash<Key>{}(key);
         Slot& slot = SlotFor(key, hash);
         if (slot.full) return {&slot.value, false};
-        slot = Slot{key, hash, std::move(value), true};
+        slot = Slot{key, std::move(value), Hash{hash}, true};
         ++used;
         return {&slot.value, true};
     }
@@ -42,10 +43,24 @@ public:
     size_t Size() const { return used; }
 
 private:
+    // Keys whose hash is the key itself (addresses, integers) keep no copy of it, so that
+    // more slots share a cache line; other keys keep their hash to skip most comparisons.
+    static constexpr bool kKeepsHash = !std::is_pointer_v<Key> && !std::is_integral_v<Key>;
+    struct KeptHash {
+        size_t hash = 0;
+        size_t Get(const Key&) const { return hash; }
+        bool Matches(size_t other) const { return hash == other; }
+    };
+    struct OwnHash {
+        explicit OwnHash(size_t = 0) {}
+        size_t Get(const Key& key) const { return std::hash<Key>{}(key); }
+        bool Matches(size_t) const { return true; }
+    };
+    using Hash = std::conditional_t<kKeepsHash, KeptHash, OwnHash>;
     struct Slot {
         Key key{};
-        size_t hash = 0;
         Value value{};
+        Hash hash{};
         bool full = false;
     };
 
@@ -61,7 +76,7 @@ private:
         const size_t mask = slots.size() - 1;
         for (size_t i = Spread(hash) & mask;; i = (i + 1) & mask) {
             Slot& slot = slots[i];
-            if (!slot.full || (slot.hash == hash && slot.key == key)) return slot;
+            if (!slot.full || (slot.hash.Matches(hash) && slot.key == key)) return slot;
         }
     }
 
@@ -75,7 +90,7 @@ private:
         std::vector<Slot> old(capacity);
         old.swap(slots);
         for (Slot& slot : old)
-            if (slot.full) SlotFor(slot.key, slot.hash) = std::move(slot);
+            if (slot.full) SlotFor(slot.key, slot.hash.Get(slot.key)) = std::move(slot);
     }
 
     std::vector<Slot> slots;

@@ -215,6 +215,8 @@ struct cscene::HierarchyWalk {
     int next = 0;
     cbitarray listed;
     FlatMap<const cnode*, int> index;
+    // The nodes being walked, each with the number of its next child.
+    std::vector<std::pair<const cnode*, int>> stack;
 
     int IndexOf(const cnode* node) const {
         const int* found = index.Find(node);
@@ -328,15 +330,15 @@ void cscene::EvalUniqueName(cnode* node) {
 
 int cscene::GetNodesHierarchy(cbitarray& order) {
     order.SetSize(nnodes, 1);
-    HierarchyWalk walk{order, 0, cbitarray(nnodes), FlatMap<const cnode*, int>(nnodes)};
+    HierarchyWalk walk{order, 0, cbitarray(nnodes), FlatMap<const cnode*, int>(nnodes), {}};
     for (int i = 0; i < nnodes; ++i) walk.index.Insert(nodes[i], i);
     const auto inScene = [&walk](const cnode* n) { return walk.IndexOf(n) >= 0; };
     for (int i = 0; i < nnodes; ++i)
-        if (!AnyAncestor(nodes[i], inScene)) RecurseNodesHierarchy(nodes[i], walk);
+        if (!AnyAncestor(nodes[i], inScene)) WalkNodesHierarchy(i, walk);
     // Whatever the roots did not reach (a parent chain that loops, or that leads to a scene node
     // only through nodes outside the scene) starts a walk of its own.
     for (int i = 0; i < nnodes; ++i)
-        if (!walk.listed[i]) RecurseNodesHierarchy(nodes[i], walk);
+        if (!walk.listed[i]) WalkNodesHierarchy(i, walk);
     return walk.next;
 }
 
@@ -359,14 +361,25 @@ int cscene::SetNodeOrder(const cbitarray& order) {
     return 1;
 }
 
-void cscene::RecurseNodesHierarchy(cnode* node, HierarchyWalk& walk) {
-    const int index = walk.IndexOf(node);
+void cscene::WalkNodesHierarchy(int index, HierarchyWalk& walk) {
+    // Depth first, each node before its children in child order, on a stack of our own so
+    // that a chain of any length fits.
+    const auto list = [&walk](const cnode* node, int at) {
+        walk.listed.Set(at);
+        walk.order.Set(walk.next++, at);
+        walk.stack.emplace_back(node, 0);
+    };
     if (walk.listed[index]) return;
-    walk.listed.Set(index);
-    walk.order.Set(walk.next++, index);
-    for (int c = 0; c < node->NumChildren(); ++c) {
-        cnode* child = node->GetChild(c);
-        if (child && walk.IndexOf(child) >= 0) RecurseNodesHierarchy(child, walk);
+    list(nodes[index], index);
+    while (!walk.stack.empty()) {
+        auto& [node, nextChild] = walk.stack.back();
+        if (nextChild >= node->NumChildren()) {
+            walk.stack.pop_back();
+            continue;
+        }
+        const cnode* child = node->GetChild(nextChild++);
+        const int at = child ? walk.IndexOf(child) : -1;
+        if (at >= 0 && !walk.listed[at]) list(child, at);
     }
 }
 

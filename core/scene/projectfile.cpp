@@ -554,14 +554,23 @@ std::vector<cnode*> RecordOrder() {
 // 1 when LoadProjectFile will accept the records in this order: every parent name that some
 // node of the scene bears is borne by an earlier record. A looping parent chain fails this.
 int ParentsComeFirst(const std::vector<cnode*>& nodes) {
-    // Each name's first record. The keys view the nodes' own names, which do not change while
-    // the scene is saved.
-    FlatMap<std::string_view, size_t> first(nodes.size());
-    for (size_t i = 0; i < nodes.size(); ++i) first.Insert(nodes[i]->GetName(), i);
+    // A parent whose own record comes earlier bears its name there, so its name's first
+    // record is earlier too. Only the other parents (outside the scene, or after the child
+    // in a looping chain) need the names, which are then mapped to their first records; the
+    // keys view the nodes' own names, which do not change while the scene is saved.
+    FlatMap<const cnode*, size_t> position(nodes.size());
+    for (size_t i = 0; i < nodes.size(); ++i) position.Insert(nodes[i], i);
+    std::optional<FlatMap<std::string_view, size_t>> first;
     for (size_t i = 0; i < nodes.size(); ++i) {
         const cnode* parent = nodes[i]->GetParent();
-        const size_t* bearer =
-            parent && *parent->GetName() ? first.Find(parent->GetName()) : nullptr;
+        if (!parent || !*parent->GetName()) continue;
+        const size_t* at = position.Find(parent);
+        if (at && *at < i) continue;
+        if (!first) {
+            first.emplace(nodes.size());
+            for (size_t j = 0; j < nodes.size(); ++j) first->Insert(nodes[j]->GetName(), j);
+        }
+        const size_t* bearer = first->Find(parent->GetName());
         if (bearer && *bearer >= i) return 0;
     }
     return 1;
