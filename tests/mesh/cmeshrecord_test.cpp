@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "cmaterial.h"
@@ -25,15 +26,6 @@ struct SceneMaterials {
     cmaterial* glass = new cmaterial("glass");
 };
 
-// One face record's fields before its material reference.
-void FaceHead(ByteString& r, int flags, int a, int b, int c) {
-    r.Word(flags, 2).Ints({a, b, c, -1, -1, -1});
-}
-
-void Vertex(ByteString& r, int flags, float x, float y, float z) {
-    r.Word(flags, 2).Floats({x, y, z, 0, 0, 1, 1, 0.5f, 0.25f, 1});
-}
-
 // The record of a triangle mesh of 3 vertices and 1 face at `version`, all fields by hand.
 std::string OldRecord(unsigned long version, const std::string& material) {
     ByteString r;
@@ -42,10 +34,12 @@ std::string OldRecord(unsigned long version, const std::string& material) {
     if (version >= 4) r.Ints({0, 0, 1, 0});
     r.Floats({0, 0, 0, 1, 1, 0});
     for (int i = 0; i < 3; ++i) {
-        Vertex(r, i == 0 ? 1 : 0, static_cast<float>(i == 1), static_cast<float>(i == 2), 0);
+        r.Word(i == 0 ? 1 : 0, 2)
+            .Floats({static_cast<float>(i == 1), static_cast<float>(i == 2), 0});
+        r.Floats({0, 0, 1, 1, 0.5f, 0.25f, 1});
         if (version >= 9) r.Word(7);
     }
-    FaceHead(r, 0x0038 | 2, 0, 1, 2);
+    r.Word(0x0038 | 2, 2).Ints({0, 1, 2, -1, -1, -1});
     if (version >= 8) r.Word(4);
     if (version >= 6)
         r.Ints({material == "glass" ? 1 : -1});
@@ -69,22 +63,15 @@ TEST(MeshRecord, WritesTheNewestLayoutAfterTheBaseRecord) {
     mesh.SetVertFlags(0, ELEMENT_HIDDEN);
     ByteString payload;
     payload.Ints({3, 0, 1, 3, 0, 0, 1, 1, 0, 0}).Floats({0, 0, 0, 1, 2, 0});
-    const cpoint3 points[3] = {{0, 0, 0}, {1, 0, 0}, {0, 2, 0}};
-    for (int i = 0; i < 3; ++i) {
-        payload.Word(i == 0 ? ELEMENT_HIDDEN : 0, 2)
-            .Floats({points[i].x, points[i].y, points[i].z, 0, 0, 0});
-        if (i == 1)
-            payload.Floats({1.0f, 0.5f, 0.25f, 1.0f});
-        else
-            payload.Floats({1, 1, 1, 1});
-        payload.Word(i == 2 ? 9 : 0xFFFFFFFFu);
-    }
+    // Per vertex: flags, position, normal, colour and skin vertex.
+    payload.Word(ELEMENT_HIDDEN, 2).Floats({0, 0, 0, 0, 0, 0, 1, 1, 1, 1}).Word(0xFFFFFFFFu);
+    payload.Word(0, 2).Floats({1, 0, 0, 0, 0, 0, 1.0f, 0.5f, 0.25f, 1.0f}).Word(0xFFFFFFFFu);
+    payload.Word(0, 2).Floats({0, 2, 0, 0, 0, 0, 1, 1, 1, 1}).Word(9);
     payload.Word(0x0038, 2).Ints({0, 1, 2, -1, -1, -1}).Word(6).Ints({1});
     payload.Word(0, 2).Word(1, 2).Word(0, 2);
     const std::string bytes = SavedRecord(mesh);
     ASSERT_GT(bytes.size(), payload.bytes.size());
     EXPECT_EQ(bytes.substr(bytes.size() - payload.bytes.size()), payload.bytes);
-
     // A face whose material is in no list entry writes -1.
     cmaterial loose("loose");
     mesh.SetFaceMaterial(0, &loose);
@@ -106,27 +93,14 @@ TEST(MeshRecord, RoundTripsEveryArray) {
     mesh.SetFaceSmGroups(7, 0x80000001u);
     mesh.SetEdgeFlags(30, ELEMENT_HIDDEN | 0x40);
     mesh.SetNormal(3, cpoint3(0, 0, 1));
-
     cmesh loaded;
     RecordStream record(SavedRecord(mesh));
     ASSERT_TRUE(record.opened);
     ASSERT_EQ(loaded.Load(record.in, 16), 1);
-    ASSERT_EQ(loaded.NumVerts(), 8);
-    ASSERT_EQ(loaded.NumFaces(), 12);
-    ASSERT_EQ(loaded.NumTVerts(), 2);
-    for (int i = 0; i < 8; ++i) EXPECT_EQ(loaded.GetVertPoint(i), mesh.GetVertPoint(i));
+    EXPECT_TRUE(Snapshot(loaded) == Snapshot(mesh));
+    for (int f = 0; f < 12; ++f) EXPECT_EQ(loaded.GetFaceMaterial(f), mesh.GetFaceMaterial(f));
+    EXPECT_EQ(loaded.NumTVerts(), 2);
     EXPECT_EQ(loaded.GetNormal(3), cpoint3(0, 0, 1));
-    for (int f = 0; f < 12; ++f) {
-        const cface a = mesh.GetFace(f), b = loaded.GetFace(f);
-        for (int k = 0; k < 3; ++k) {
-            EXPECT_EQ(a.v[k], b.v[k]);
-            EXPECT_EQ(a.tv[k], b.tv[k]);
-        }
-        EXPECT_EQ(a.flags, b.flags);
-        EXPECT_EQ(a.smgroups, b.smgroups);
-        EXPECT_EQ(a.material, b.material);
-    }
-    for (int e = 0; e < 36; ++e) EXPECT_EQ(loaded.GetEdgeFlags(e), mesh.GetEdgeFlags(e));
     EXPECT_EQ(loaded.NumSelFaces(), 1);
     EXPECT_EQ(loaded.NumHiddenEdges(), 1);
     EXPECT_EQ(loaded.GetTVert(1), cpoint3(0.25f, 0.75f, 0));
@@ -162,14 +136,12 @@ TEST(MeshRecord, ReadsOlderLayouts) {
         ASSERT_EQ(mesh.Load(record.in, c.version), 1);
         EXPECT_EQ(record.in.BytesLeft(), 0u);
         ASSERT_EQ(mesh.NumFaces(), 1);
-        EXPECT_EQ(mesh.GetFace(0).smgroups, c.mask);
-        EXPECT_EQ(mesh.GetSkinVertIndex(1), c.skin);
-        EXPECT_EQ(mesh.GetFaceMaterial(0), c.expected);
-        EXPECT_EQ(mesh.GetEdgeFlags(1), 1);
-        EXPECT_EQ(mesh.NumSelVerts(), 1);
+        EXPECT_EQ(std::tuple(mesh.GetFace(0).smgroups, mesh.GetSkinVertIndex(1),
+                             mesh.GetFaceMaterial(0), mesh.GetEdgeFlags(1)),
+                  std::tuple(c.mask, c.skin, c.expected, 1));
         // Counters are taken as stored, not recounted.
-        EXPECT_EQ(mesh.NumHiddenFaces(), c.hiddenFaces);
-        EXPECT_EQ(mesh.NumSelEdges(), 0);
+        EXPECT_EQ(std::tuple(mesh.NumSelVerts(), mesh.NumHiddenFaces(), mesh.NumSelEdges()),
+                  std::tuple(1, c.hiddenFaces, 0));
         EXPECT_EQ(mesh.GetVertColor(0), ccolor(1.0f, 0.5f, 0.25f, 1.0f));
     }
     EXPECT_EQ(recorder.Count(), 0);
@@ -188,14 +160,12 @@ TEST(MeshRecord, FitsTheEdgeFlagsToTheFacesAndRefusesTruncation) {
     RecordStream in(record);
     ASSERT_EQ(mesh.Load(in.in, 16), 1);
     EXPECT_EQ(mesh.NumEdges(), 3);
-    EXPECT_EQ(mesh.GetEdgeFlags(0), 0);
-    EXPECT_EQ(mesh.GetEdgeFlags(2), 0);
-    EXPECT_EQ(mesh.NumSelEdges(), 3);
-    EXPECT_EQ(mesh.NumHiddenEdges(), 3);
+    EXPECT_EQ(std::tuple(mesh.GetEdgeFlags(0), mesh.GetEdgeFlags(2), mesh.NumSelEdges(),
+                         mesh.NumHiddenEdges()),
+              std::tuple(0, 0, 3, 3));
     // Unhiding the face with its counter at 0 leaves the counter at 0.
     mesh.SetFaceFlags(0, 0);
     EXPECT_EQ(mesh.NumHiddenFaces(), 0);
-
     const std::string full = OldRecord(16, "");
     for (std::size_t cut : {std::size_t(1), std::size_t(40), std::size_t(200)}) {
         cmesh truncated;
@@ -223,35 +193,21 @@ TEST(MeshRecord, ComesBackFromAProjectFile) {
     mesh->SetFaceSmGroups(-1, 1);
     mesh->SetEdgeFlags(5, ELEMENT_HIDDEN);
     mesh->SetFaceFlags(3, ELEMENT_SELECTED);
-    const int numVerts = mesh->NumVerts(), numFaces = mesh->NumFaces();
-    std::vector<cpoint3> points;
-    std::vector<cface> faces;
-    for (int v = 0; v < numVerts; ++v) points.push_back(mesh->GetVertPoint(v));
-    for (int f = 0; f < numFaces; ++f) faces.push_back(mesh->GetFace(f));
+    const auto before = Snapshot(*mesh);
     MainScene.AddNode(mesh, 1);
     const std::string path = dir.File("teapot.orv");
     ASSERT_EQ(SaveProjectFile(path.c_str()), 1);
     MainScene.Clear();
     ASSERT_EQ(LoadProjectFile(path.c_str()), 1);
-
     ASSERT_EQ(MainScene.NumNodes(), 1);
     cnode* node = MainScene.GetNodeAt(0);
     ASSERT_EQ(node->GetTypeID(), TYPE_MESH);
     const cmesh& loaded = *static_cast<cmesh*>(node);
     EXPECT_STREQ(loaded.GetName(), "teapot");
-    ASSERT_EQ(loaded.NumVerts(), numVerts);
-    ASSERT_EQ(loaded.NumFaces(), numFaces);
-    for (int v = 0; v < numVerts; ++v) ASSERT_EQ(loaded.GetVertPoint(v), points[v]) << v;
-    for (int f = 0; f < numFaces; ++f) {
-        const cface face = loaded.GetFace(f);
-        for (int k = 0; k < 3; ++k) ASSERT_EQ(face.v[k], faces[f].v[k]) << f;
-        EXPECT_EQ(face.smgroups, 1u);
-        EXPECT_EQ(face.flags, faces[f].flags);
-    }
+    EXPECT_TRUE(Snapshot(loaded) == before);
     ASSERT_EQ(MainScene.NumMaterials(), 1);
     EXPECT_EQ(loaded.GetFaceMaterial(10), MainScene.GetMaterialAt(0));
     EXPECT_EQ(loaded.GetFaceMaterial(11), nullptr);
-    EXPECT_EQ(loaded.GetEdgeFlags(5), ELEMENT_HIDDEN);
     EXPECT_EQ(loaded.NumSelFaces(), 1);
     EXPECT_TRUE(MeshIsValid(loaded));
     MainScene.Clear();

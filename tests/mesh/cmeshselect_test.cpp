@@ -15,7 +15,6 @@ TEST(MeshSelect, KeepsCountersAndNeverSelectsHiddenElements) {
     EXPECT_EQ(cube.NumSelFaces(), 2);
     // Deselecting shrinks the box back to the -z side.
     EXPECT_TRUE(Near(cube.GetSelFacesCenter(), cpoint3(0.5f, 0.5f, 0.0f)));
-
     cube.SetSubLevel(2);
     cube.HideSelected();
     EXPECT_EQ(cube.NumSelFaces(), 0);
@@ -31,7 +30,6 @@ TEST(MeshSelect, KeepsCountersAndNeverSelectsHiddenElements) {
     EXPECT_EQ(cube.NumSelFaces(), 12);
     EXPECT_EQ(cube.DeselectAll(), 1);
     EXPECT_EQ(cube.NumSelFaces(), 0);
-
     cube.SetSubLevel(1);
     cube.SelectAll();
     EXPECT_EQ(cube.NumSelVerts(), 8);
@@ -42,7 +40,6 @@ TEST(MeshSelect, KeepsCountersAndNeverSelectsHiddenElements) {
     EXPECT_EQ(cube.GetNumHiddenElements(1), 1);
     cube.UnhideAllVerts();
     EXPECT_EQ(cube.GetVertFlags(7), 0);
-
     cube.SetSubLevel(3);
     cube.SelectEdgeSet(SetOf(36, {0, 35}), 1);
     EXPECT_EQ(cube.GetNumSelElements(3), 2);
@@ -52,7 +49,6 @@ TEST(MeshSelect, KeepsCountersAndNeverSelectsHiddenElements) {
     cube.UnhideAllEdges();
     EXPECT_EQ(cube.NumHiddenEdges(), 0);
     EXPECT_TRUE(MeshIsValid(cube));
-
     cube.SetSubLevel(0);
     EXPECT_EQ(cube.SelectAll(), 0);
     cmesh empty;

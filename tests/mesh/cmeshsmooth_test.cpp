@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <set>
 #include <vector>
 
-#include "adjacency.h"
-#include "clusters.h"
 #include "cmesh.h"
+#include "mesh/edgeoracle.h"
 #include "mesh/meshfixtures.h"
 
 TEST(MeshSmooth, AveragesTheFaceNormalsIntoTheStoredNormals) {
@@ -24,63 +24,64 @@ TEST(MeshSmooth, AveragesTheFaceNormalsIntoTheStoredNormals) {
     EXPECT_EQ(cube.GetSmNormal(n, 0, 0), 0);
     cube.SetFaceSmGroups(-1, 1);
     cube.Smooth(1);
-    ASSERT_EQ(cube.GetSmNormal(n, 0, 0), 1);
-    EXPECT_TRUE(Near(n, cpoint3(r, r, r)));
+    EXPECT_TRUE(SmNormalIs(cube, 0, 0, cpoint3(r, r, r)));
 }
 
 TEST(MeshSmooth, AutoSmoothColoursTheSidesOfACube) {
-    cmesh cube;
+    cmesh cube, empty;
     MakeCube(cube);
-    ASSERT_EQ(cube.AutoSmooth(45.0f, 0), 1);
+    const auto masks = [&] {
+        std::vector<std::uint32_t> out;
+        for (int f = 0; f < cube.NumFaces(); ++f) out.push_back(cube.GetFace(f).smgroups);
+        return out;
+    };
     // Sides in cluster order -z, +z, -y, +y, -x, +x: opposite sides share no vertex.
-    const std::uint32_t expected[6] = {1, 1, 2, 2, 4, 4};
-    for (int f = 0; f < 12; ++f) EXPECT_EQ(cube.GetFace(f).smgroups, expected[f / 2]) << f;
-    cpoint3 n;
-    ASSERT_EQ(cube.GetSmNormal(n, 0, 0), 1);
-    EXPECT_TRUE(Near(n, cpoint3(0, 0, 1)));
-
+    ASSERT_EQ(cube.AutoSmooth(45.0f, 0), 1);
+    EXPECT_EQ(masks(), (std::vector<std::uint32_t>{1, 1, 1, 1, 2, 2, 2, 2, 4, 4, 4, 4}));
+    EXPECT_TRUE(SmNormalIs(cube, 0, 0, cpoint3(0, 0, 1)));
     // With a wide angle every side joins one cluster.
     ASSERT_EQ(cube.AutoSmooth(100.0f, 0), 1);
-    for (int f = 0; f < 12; ++f) EXPECT_EQ(cube.GetFace(f).smgroups, 1u);
-
+    EXPECT_EQ(masks(), std::vector<std::uint32_t>(12, 1));
     // Only the selected faces change; unselected ones keep their masks.
     cube.SetFaceSmGroups(-1, 0x100);
     cube.SelectFaceSet(SetOf(12, {2, 3, 6}), 1);
     ASSERT_EQ(cube.AutoSmooth(45.0f, 1), 1);
-    EXPECT_EQ(cube.GetFace(2).smgroups, 1u);
-    EXPECT_EQ(cube.GetFace(3).smgroups, 1u);
-    EXPECT_EQ(cube.GetFace(6).smgroups, 2u);
-    EXPECT_EQ(cube.GetFace(0).smgroups, 0x100u);
-    EXPECT_EQ(cube.GetFace(7).smgroups, 0x100u);
-
-    cmesh empty;
+    const std::uint32_t o = 0x100;
+    EXPECT_EQ(masks(), (std::vector<std::uint32_t>{o, o, 1, 1, o, o, 2, o, o, o, o, o}));
     EXPECT_EQ(empty.AutoSmooth(45.0f, 0), 0);
 }
 
-// On a real mesh: clusters touching at a vertex never share a group.
+// On real meshes against a union-find clustering: each face gets one group, every face of a
+// cluster the same, and clusters that share a vertex never share a group.
 TEST(MeshSmooth, AutoSmoothSeparatesClustersMeetingAtAVertex) {
-    cmesh bunny;
-    ASSERT_TRUE(LoadObjMesh(bunny, "bunny.obj"));
-    ASSERT_EQ(bunny.AutoSmooth(30.0f, 0), 1);
-    AdjFaceList adjacency;
-    ASSERT_TRUE(LinkFaces(bunny, adjacency));
-    FaceClusterList clusters;
-    ASSERT_EQ(clusters.Init(bunny, adjacency, 0, 30.0f, 1), 1);
-    ASSERT_GT(clusters.NumClusters(), 1);
-    // For each vertex, the cluster that owns each group among its faces.
-    std::vector<std::vector<std::pair<std::uint32_t, unsigned int>>> seen(
-        static_cast<size_t>(bunny.NumVerts()));
-    int clashes = 0;
-    for (int f = 0; f < bunny.NumFaces(); ++f) {
-        const cface face = bunny.GetFace(f);
-        ASSERT_EQ(__builtin_popcount(face.smgroups), 1) << f;
-        for (int k = 0; k < 3; ++k)
-            for (auto& [mask, cluster] : seen[static_cast<size_t>(face.v[k])]) {
-                if (mask == face.smgroups && cluster != clusters.GetCluster(f)) ++clashes;
-            }
-        for (int k = 0; k < 3; ++k)
-            seen[static_cast<size_t>(face.v[k])].emplace_back(face.smgroups,
-                                                              clusters.GetCluster(f));
+    for (const auto& [name, angle] :
+         {std::pair("bunny.obj", 30.0f), {"bunny.obj", 45.0f}, {"dragon_res3.obj.gz", 45.0f}}) {
+        ObjData data;
+        cmesh mesh;
+        ASSERT_TRUE(LoadObjMesh(mesh, name, data)) << name;
+        ASSERT_EQ(mesh.AutoSmooth(angle, 0), 1);
+        const auto cluster = OracleClusters(
+            OracleLinks(data.triangles), OracleNormals(data), [](size_t) { return true; }, true,
+            angle);
+        std::vector<std::set<unsigned int>> around(data.vertices.size());
+        std::vector<unsigned int> groupOf(data.triangles.size(), 0);
+        size_t conflicts = 0, uneven = 0, notOne = 0;
+        for (size_t f = 0; f < data.triangles.size(); ++f) {
+            const unsigned int mask = mesh.GetFace(static_cast<int>(f)).smgroups;
+            notOne += __builtin_popcount(mask) != 1;
+            unsigned int& g = groupOf[cluster[f]];
+            if (g == 0) g = mask;
+            uneven += g != mask;
+            for (int v : data.triangles[f]) around[v].insert(static_cast<unsigned int>(f));
+        }
+        for (const auto& faces : around)
+            for (unsigned int a : faces)
+                for (unsigned int b : faces)
+                    if (cluster[a] != cluster[b])
+                        conflicts += (mesh.GetFace(static_cast<int>(a)).smgroups &
+                                      mesh.GetFace(static_cast<int>(b)).smgroups) != 0;
+        EXPECT_EQ(notOne, 0u) << name << " at " << angle;
+        EXPECT_EQ(uneven, 0u) << name << " at " << angle;
+        EXPECT_EQ(conflicts, 0u) << name << " at " << angle;
     }
-    EXPECT_EQ(clashes, 0);
 }

@@ -30,7 +30,6 @@ TEST(MeshTransform, MovesRotatesAndScalesSelectedElementsInWorldTerms) {
     EXPECT_TRUE(Near(World(cube, 7), before7 + cpoint3(1, 2, 3), 1e-4f));
     EXPECT_TRUE(Near(World(cube, 0), before0, 1e-4f));
     EXPECT_TRUE(Near(cube.GetPosition(0), cpoint3(3, 0, 0)));
-
     // Face 2 (4, 5, 7) scaled by 3 about vertex 4's world position.
     cube.DeselectAllVerts();
     cube.SetSubLevel(2);
@@ -40,7 +39,6 @@ TEST(MeshTransform, MovesRotatesAndScalesSelectedElementsInWorldTerms) {
     EXPECT_TRUE(Near(World(cube, 4), w4, 1e-4f));
     EXPECT_TRUE(Near(World(cube, 5), w4 + (w5 - w4) * 3.0f, 1e-4f));
     EXPECT_TRUE(Near(World(cube, 0), before0, 1e-4f));
-
     // Edge 0 (0 -> 2) turned 180 degrees about z through the world origin.
     cube.SetSubLevel(3);
     cube.SelectEdgeSet(SetOf(36, {0}), 1);
@@ -48,7 +46,6 @@ TEST(MeshTransform, MovesRotatesAndScalesSelectedElementsInWorldTerms) {
     cube.Rotate(0, QuatFromAngleAxis(180.0f, cpoint3(0, 0, 1)), cpoint3(), 0);
     EXPECT_TRUE(Near(World(cube, 0), cpoint3(-before0.x, -before0.y, before0.z), 1e-4f));
     EXPECT_TRUE(Near(World(cube, 2), cpoint3(-w2.x, -w2.y, w2.z), 1e-4f));
-
     // At object level the node moves instead.
     cube.SetSubLevel(0);
     cube.Move(0, cpoint3(1, 0, 0), 0, 0, 1, 0.0f);
@@ -62,7 +59,6 @@ TEST(MeshTransform, MirrorsAndKeepsFacesOutward) {
     cube.Mirror(0, 1, nullptr);
     EXPECT_TRUE(Near(cube.GetVertPoint(2), cpoint3(0, -1, 0)));
     EXPECT_TRUE(Near(cube.GetFaceNormal(4), cpoint3(n0.x, -n0.y, n0.z)));
-
     cmesh grid;
     MakeGrid(grid, 1);
     grid.SetSubLevel(1);
@@ -78,7 +74,6 @@ TEST(MeshTransform, PivotOperationsKeepTheGeometryInTheWorld) {
     PlacedCube(cube);
     std::vector<cpoint3> world;
     for (int v = 0; v < 8; ++v) world.push_back(World(cube, v));
-
     cube.CenterPivotToGeom(0);
     for (int v = 0; v < 8; ++v) EXPECT_TRUE(Near(World(cube, v), world[v], 1e-4f));
     // The pivot lands on the box centre, midway between the opposite corners 0 and 7.
@@ -86,11 +81,9 @@ TEST(MeshTransform, PivotOperationsKeepTheGeometryInTheWorld) {
     cpoint3 min, max;
     cube.GetMeshBBox(min, max);
     EXPECT_TRUE(Near(min, cpoint3(-0.5f, -0.5f, -0.5f), 1e-5f));
-
     cube.ResetTransform(0, TM_ALL);
     for (int v = 0; v < 8; ++v) EXPECT_TRUE(Near(World(cube, v), world[v], 1e-4f));
     EXPECT_TRUE(Near(cube.GetScale(0), cpoint3(1, 1, 1), 1e-5f));
-
     cmesh plain;
     MakeCube(plain);
     plain.CenterGeomToPivot(0);

@@ -45,7 +45,6 @@ TEST(MeshSmNormal, NormalizesTheAverageAndCopiesDeeply) {
     EXPECT_NEAR(n.x, 0.70710678f, 1e-6f);
     EXPECT_NEAR(n.y, 0.70710678f, 1e-6f);
     EXPECT_EQ(sm.GetNormal(n, 2), 0);
-
     csmnormal copy;
     CopySMnormal(copy, sm);
     sm.Clear();
@@ -55,7 +54,6 @@ TEST(MeshSmNormal, NormalizesTheAverageAndCopiesDeeply) {
     ASSERT_EQ(copy.GetNormal(n, 1), 1);
     EXPECT_NEAR(n.x, 0.70710678f, 1e-6f);
     EXPECT_EQ(copy.GetHead()->count, 2);
-
     // Assignment keeps the order of the source list.
     csmnormal three;
     three.AddNormal(cpoint3(1, 0, 0), 1);
@@ -78,7 +76,6 @@ TEST(MeshSmNormal, RecycledListsRebuildLikeNewOnes) {
     EXPECT_EQ(sm.GetHead(), nullptr);
     cpoint3 n;
     EXPECT_EQ(sm.GetNormal(n, 3), 0);
-
     EXPECT_EQ(sm.AddNormal(cpoint3(0, 0, 2), 4), 0);
     EXPECT_TRUE(sm.GetHead() == oldNodes[0] || sm.GetHead() == oldNodes[1])
         << "a recycled node is taken first";

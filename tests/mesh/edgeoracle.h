@@ -18,38 +18,25 @@
 // more stops the linking.
 inline std::vector<std::array<unsigned int, 3>> OracleLinks(
     const std::vector<std::array<int, 3>>& triangles, int* overSharedEdges = nullptr) {
-    struct Corner {
-        int higher, lower;
-        unsigned int face, k;
-        bool operator<(const Corner& o) const {
-            if (higher != o.higher) return higher < o.higher;
-            if (lower != o.lower) return lower < o.lower;
-            return face < o.face;
-        }
-        bool SameEdge(const Corner& o) const { return higher == o.higher && lower == o.lower; }
-    };
-    std::vector<Corner> corners;
-    for (unsigned int f = 0; f < triangles.size(); ++f) {
+    std::vector<std::array<unsigned int, 4>> corners;  // higher, lower, face, edge
+    for (unsigned int f = 0; f < triangles.size(); ++f)
         for (unsigned int k = 0; k < 3; ++k) {
-            const int a = triangles[f][k], b = triangles[f][(k + 1) % 3];
+            const unsigned int a = triangles[f][k], b = triangles[f][(k + 1) % 3];
             corners.push_back({std::max(a, b), std::min(a, b), f, k});
         }
-    }
     std::sort(corners.begin(), corners.end());
     std::vector<std::array<unsigned int, 3>> links(triangles.size(),
                                                    {0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu});
-    bool stopped = false;
     int over = 0;
     for (size_t i = 0, end = 0; i < corners.size(); i = end) {
-        for (end = i + 1; end < corners.size() && corners[end].SameEdge(corners[i]);) ++end;
-        if (end - i > 2) {
-            ++over;
-            stopped = true;
-        }
-        if (stopped || end - i != 2) continue;
-        const Corner &a = corners[i], &b = corners[i + 1];
-        links[a.face][a.k] = b.face | (b.k << 30);
-        links[b.face][b.k] = a.face | (a.k << 30);
+        for (end = i + 1; end < corners.size() && corners[end][0] == corners[i][0] &&
+                          corners[end][1] == corners[i][1];)
+            ++end;
+        over += end - i > 2;
+        if (over || end - i != 2) continue;
+        const auto &a = corners[i], &b = corners[i + 1];
+        links[a[2]][a[3]] = b[2] | (b[3] << 30);
+        links[b[2]][b[3]] = a[2] | (a[3] << 30);
     }
     if (overSharedEdges) *overSharedEdges = over;
     return links;

@@ -1,11 +1,13 @@
 // Skins and bones for the skin tests: a scene and clock reset around each test, bones placed in
-// MainScene, and a point comparison.
+// MainScene, and comparisons of points, bone lists and influences.
 #ifndef ORVANE_TESTS_MESH_SKINFIXTURES_H
 #define ORVANE_TESTS_MESH_SKINFIXTURES_H
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <initializer_list>
+#include <utility>
 #include <vector>
 
 #include "ccolor.h"
@@ -50,11 +52,37 @@ inline int Weigh(cskin& skin, int vertex, std::initializer_list<std::pair<int, f
     return sv;
 }
 
-inline ::testing::AssertionResult NearPoint(const cpoint3& a, const cpoint3& b, float eps = 1e-4f) {
-    if (std::fabs(a.x - b.x) <= eps && std::fabs(a.y - b.y) <= eps && std::fabs(a.z - b.z) <= eps)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "(" << a.x << ", " << a.y << ", " << a.z << ") vs ("
-                                         << b.x << ", " << b.y << ", " << b.z << ")";
+// The skin's bones in order.
+inline std::vector<cnode*> BonesOf(const cskin& skin) {
+    std::vector<cnode*> bones;
+    for (int i = 0; i < skin.NumBones(); ++i) bones.push_back(skin.GetBone(i));
+    return bones;
+}
+
+// Whether skin vertex `sv` holds exactly the given (bone, weight) influences in this order;
+// weights agree to within `eps`, or to four units in the last place when `eps` is 0.
+inline ::testing::AssertionResult HasInfluences(
+    const cskin& skin, int sv, std::initializer_list<std::pair<int, float>> expected,
+    float eps = 0.0f) {
+    int bones[4] = {};
+    float weights[4] = {};
+    const int count = skin.GetInfluences(sv, bones, weights);
+    using Float = ::testing::internal::FloatingPoint<float>;
+    bool same = count == static_cast<int>(expected.size());
+    for (int i = 0; same && i < count; ++i) {
+        const auto [bone, weight] = expected.begin()[i];
+        same = bones[i] == bone && (eps > 0.0f ? std::fabs(weights[i] - weight) <= eps
+                                               : Float(weights[i]).AlmostEquals(Float(weight)));
+    }
+    auto result = same ? ::testing::AssertionSuccess() : ::testing::AssertionFailure();
+    result << "skin vertex " << sv << " holds";
+    for (int i = 0; i < count; ++i) result << " (" << bones[i] << ", " << weights[i] << ")";
+    return result;
+}
+
+// Points compared with the looser tolerance of a chain of bone matrices.
+inline ::testing::AssertionResult NearPoint(const cpoint3& a, const cpoint3& b) {
+    return Near(a, b, 1e-4f);
 }
 
 #endif
