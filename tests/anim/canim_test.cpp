@@ -24,7 +24,6 @@ TEST(KeyTrack, InterpolatesPositionAndScaleLinearlyAndRotationSpherically) {
     const float s45 = std::sqrt(0.5f);
     track.SetKey(100, cpoint3(10, 0, 0), MakeQuat(0, 0, s45, s45), cpoint3(3, 1, 2));
     track.SetKey(ckey(0, cpoint3(0, 0, 0), cquat(), cpoint3(1, 1, 1)));
-
     ckey key;
     ASSERT_EQ(track.GetInterpolateKey(50, key), 1);
     EXPECT_EQ(key.time, 50);
@@ -34,14 +33,12 @@ TEST(KeyTrack, InterpolatesPositionAndScaleLinearlyAndRotationSpherically) {
     ExpectQuatNear(key.rotation, 0, 0, 0.38268343f, 0.92387953f);
     ASSERT_EQ(track.GetInterpolateKey(25, key), 1);
     ExpectQuatNear(key.rotation, 0, 0, 0.19509032f, 0.98078528f);
-
     // Outside the keys the end key holds, with the time asked for.
     ASSERT_EQ(track.GetInterpolateKey(-30, key), 1);
     EXPECT_EQ(key.time, -30);
     EXPECT_EQ(key.position, cpoint3(0, 0, 0));
     ASSERT_EQ(track.GetInterpolateKey(130, key), 1);
     EXPECT_EQ(key.scale, cpoint3(3, 1, 2));
-
     key.time = 7;
     EXPECT_EQ(canim().GetInterpolateKey(3, key), 0);
     EXPECT_EQ(key.time, 7);
@@ -53,7 +50,6 @@ TEST(KeyTrack, KeyTimesFollowTheKeysAtBothEnds) {
     EXPECT_EQ(TimesOf<ckey>(track), (std::vector<int>{10, 20, 30}));
     EXPECT_EQ(track.GetFirstKeyTime(), 10);  // not widened to 0
     EXPECT_EQ(track.GetLastKeyTime(), 30);
-
     EXPECT_EQ(track.RemoveKeysSeg(5, 10), 1);
     EXPECT_EQ(track.GetFirstKeyTime(), 20);
     EXPECT_EQ(track.SetKeyAt(1, ckey(45, {}, {}, {}), 0), 1);
@@ -64,7 +60,6 @@ TEST(KeyTrack, KeyTimesFollowTheKeysAtBothEnds) {
     EXPECT_EQ(TimesOf<ckey>(copy), (std::vector<int>{20, 45}));
     EXPECT_EQ(copy.RemoveKeyAt(0) + copy.RemoveKey(45), 2);
     EXPECT_EQ(copy.GetFirstKeyTime() + copy.GetLastKeyTime() + copy.Capacity(), 0);
-
     const ckey steps[] = {ckey(0, {}, {}, {}), ckey(1, {}, {}, {}), ckey(2, {}, {}, {}),
                           ckey(3, {}, {}, {})};
     EXPECT_EQ(FindKeyEntry(2, 4, steps), 2);

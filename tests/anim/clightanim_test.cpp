@@ -2,6 +2,8 @@
 // its key's payload, argument order and version-dependent record, and its report name.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "anim/tracksupport.h"
 #include "cparamanim.h"
 #include "support/testsupport.h"
@@ -12,10 +14,8 @@ void ExpectKey(const clightkey& key, int time, const ccolor& color, float hotspo
                float range, float strength) {
     EXPECT_EQ(key.time, time);
     EXPECT_EQ(key.color, color);
-    EXPECT_EQ(key.hotspot, hotspot);
-    EXPECT_EQ(key.falloff, falloff);
-    EXPECT_EQ(key.range, range);
-    EXPECT_EQ(key.strength, strength);
+    EXPECT_EQ(std::vector<float>({key.hotspot, key.falloff, key.range, key.strength}),
+              std::vector<float>({hotspot, falloff, range, strength}));
 }
 
 TEST(LightTrack, KeysTakeFalloffBeforeHotspotAndInterpolateEveryChannel) {
@@ -23,7 +23,6 @@ TEST(LightTrack, KeysTakeFalloffBeforeHotspotAndInterpolateEveryChannel) {
     ExpectKey(key, 0, ccolor(1.0f, 1.0f, 1.0f, 1.0f), 43.0f, 45.0f, 256.0f, 1.0f);
     key.Set(4, ccolor(), 60.0f, 20.0f, 10.0f, 0.5f);
     ExpectKey(key, 4, ccolor(), 20.0f, 60.0f, 10.0f, 0.5f);
-
     clightanim track;
     track.SetKey(0, ccolor(0.0f, 1.0f, 0.5f, 0.0f), 40.0f, 20.0f, 100.0f, 1.0f);
     track.SetKey(clightkey(8, ccolor(1.0f, 0.0f, 0.5f, 1.0f), 60.0f, 40.0f, 300.0f, 3.0f));
@@ -50,7 +49,6 @@ TEST(LightTrack, RecordLayoutDependsOnTheVersion) {
     const std::string color = Floats({0.5f, 0.25f, 1.0f, 0.75f});
     const std::string newest = Ints({1, 0, 8, 8}) + color + Floats({30, 50, 100, 2});
     EXPECT_EQ(Saved([&](cio_save& out) { EXPECT_EQ(track.Save(out), 1); }), newest);
-
     // Two keys, each followed by two words that must be skipped.
     const std::string ignored = Ints({-1, 0x7FFFFFFF});
     const std::string v3 = Ints({2, 0, 6, 1}) + color + Floats({30, 50, 2}) + ignored + Ints({6}) +
@@ -75,7 +73,6 @@ TEST(LightTrack, RecordLayoutDependsOnTheVersion) {
         ASSERT_EQ(track.GetKeyAt(0, key), 1);
         ExpectKey(key, 8, ccolor(0.5f, 0.25f, 1.0f, 0.75f), 30.0f, 50.0f, 100.0f, 2.0f);
     }
-
     // A version-4 key without its two ignored words is cut short.
     RecordStream shortV4(Ints({1, 0, 6}) + v4Key);
     EXPECT_EQ(track.Load(shortV4.in, 4), 0);

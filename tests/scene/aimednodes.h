@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "ccolor.h"
 #include "cio.h"
@@ -20,9 +21,6 @@
 #include "support/bytestring.h"
 #include "support/testsupport.h"
 
-// The base record of an untransformed node without parent, material, notes or flags, with
-// the defaults of a new node (IK block, one identity key at time 0) in the layout of
-// `version`: 32-byte names below 13, no IK block below 7, no see-through word below 15.
 // The clock fixture, with MainScene emptied after every test.
 class SceneClockTest : public AnimClockTest {
 protected:
@@ -32,6 +30,15 @@ protected:
     }
 };
 
+// The arguments as floats, for comparing many values of a node in one expectation.
+template <class... T>
+std::vector<float> Values(T... values) {
+    return {static_cast<float>(values)...};
+}
+
+// The base record of an untransformed node without parent, material, notes or flags, with
+// the defaults of a new node (IK block, one identity key at time 0) in the layout of
+// `version`: 32-byte names below 13, no IK block below 7, no see-through word below 15.
 inline std::string BaseRecord(std::uint32_t type, std::uint32_t subType, const std::string& name,
                               const ccolor& color, unsigned long version) {
     const std::size_t nameSize = version >= 13 ? 64 : 32;
@@ -54,6 +61,17 @@ inline int LoadRecord(cnode& node, const std::string& bytes, unsigned long versi
     RecordStream record(bytes);
     if (!record.opened) return -1;
     return node.Load(record.in, version);
+}
+
+// Whether `bytes` loads as a record of `version` into `node` and the load stops at its end.
+inline ::testing::AssertionResult LoadsWhole(cnode& node, const std::string& bytes,
+                                             unsigned long version) {
+    RecordStream record(bytes + "next");
+    if (!record.opened || node.Load(record.in, version) != 1)
+        return ::testing::AssertionFailure() << "not loaded";
+    if (record.in.BytesLeft() != 4)
+        return ::testing::AssertionFailure() << record.in.BytesLeft() << " bytes left, not 4";
+    return ::testing::AssertionSuccess();
 }
 
 inline std::string SavedRecord(const cnode& node) {

@@ -6,7 +6,7 @@
 
 #include "animclock.h"
 #include "cnode.h"
-#include "support/animclockfixture.h"
+#include "scene/aimednodes.h"
 
 namespace {
 
@@ -30,72 +30,59 @@ struct Arm {
         const cpoint3 lower = Normalize(At(hand) - At(elbow));
         return std::acos(std::fmin(1.0, DotProd(upper, lower))) * kDegrees;
     }
+    int Reach(const cpoint3& target, int iterations = 0, int time = 0) {
+        return IK_ComputeCCD(time, target, &hand, iterations, 1e-3f);
+    }
 };
-
-::testing::AssertionResult Near(const cpoint3& a, const cpoint3& b, float eps) {
-    if (Compare(a, b, eps)) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "(" << a.x << ", " << a.y << ", " << a.z << ") vs ("
-                                         << b.x << ", " << b.y << ", " << b.z << ")";
-}
 
 TEST_F(IK, ReachesReachableTargetsKeepingTheBoneLengths) {
     for (const cpoint3& target : {cpoint3(2, 2, 0), cpoint3(-1, 1.5f, 2), cpoint3(0, 0, 3.9f)}) {
         Arm arm;
-        EXPECT_EQ(IK_ComputeCCD(0, target, &arm.hand, 0, 1e-3f), 1);
+        EXPECT_EQ(arm.Reach(target), 1);
         EXPECT_LE(Distance(arm.At(arm.hand), target), 1e-3f);
         EXPECT_NEAR(Distance(arm.At(arm.elbow), arm.At(arm.shoulder)), 2.0f, 1e-4f);
         EXPECT_NEAR(Distance(arm.At(arm.hand), arm.At(arm.elbow)), 2.0f, 1e-4f);
-        EXPECT_TRUE(Near(arm.At(arm.shoulder), cpoint3(), 0));
+        EXPECT_TRUE(Near3(arm.At(arm.shoulder), cpoint3(), 0));
     }
     Arm arm;
     EXPECT_EQ(IK_ComputeCCD(0, cpoint3(4, 0, 0), &arm.hand, 0, 0.0f), 1);
     EXPECT_EQ(IK_ComputeCCD(0, cpoint3(), nullptr, 0, 0.0f), 0);
-}
-
-TEST_F(IK, StretchesTheChainTowardAnUnreachableTarget) {
-    Arm arm;
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(0, 8, 0), &arm.hand, 0, 1e-3f), 0);
-    EXPECT_TRUE(Near(arm.At(arm.hand), cpoint3(0, 4, 0), 0.02f));
-    EXPECT_TRUE(Near(arm.At(arm.elbow), cpoint3(0, 2, 0), 0.02f));
+    // Out of reach the chain stretches toward the target.
+    EXPECT_EQ(arm.Reach(cpoint3(0, 8, 0)), 0);
+    EXPECT_TRUE(Near3(arm.At(arm.hand), cpoint3(0, 4, 0), 0.02f));
+    EXPECT_TRUE(Near3(arm.At(arm.elbow), cpoint3(0, 2, 0), 0.02f));
 }
 
 TEST_F(IK, StopsTheChainAtLockedJointsAndTheRecursionDepth) {
-    Arm arm;
-    arm.shoulder.LockIK(1);
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(2, 2, 0), &arm.hand, 0, 1e-3f), 1);
-    EXPECT_TRUE(arm.shoulder.GetRotation(0).IsIdentity());
-    // Out of the elbow's reach: the hand points from the elbow at the target.
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(0, 2, 0), &arm.hand, 0, 1e-3f), 0);
+    // Out of the elbow's reach alone: the hand points from the elbow at the target.
     const float half = std::sqrt(2.0f);
-    EXPECT_TRUE(Near(arm.At(arm.hand), cpoint3(2 - half, half, 0), 1e-3f));
-    EXPECT_TRUE(Near(arm.At(arm.elbow), cpoint3(2, 0, 0), 0));
-
-    Arm shallow;
+    Arm locked, shallow, stiff;
+    locked.shoulder.LockIK(1);
+    EXPECT_EQ(locked.Reach(cpoint3(2, 2, 0)), 1);
+    EXPECT_TRUE(locked.shoulder.GetRotation(0).IsIdentity());
+    EXPECT_EQ(locked.Reach(cpoint3(0, 2, 0)), 0);
+    EXPECT_TRUE(Near3(locked.At(locked.hand), cpoint3(2 - half, half, 0), 1e-3f));
+    EXPECT_TRUE(Near3(locked.At(locked.elbow), cpoint3(2, 0, 0), 0));
     shallow.hand.SetIKRecurseNum(1);
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(0, 2, 0), &shallow.hand, 0, 1e-3f), 0);
-    EXPECT_TRUE(Near(shallow.At(shallow.hand), cpoint3(2 - half, half, 0), 1e-3f));
-
-    Arm stiff;
+    EXPECT_EQ(shallow.Reach(cpoint3(0, 2, 0)), 0);
+    EXPECT_TRUE(Near3(shallow.At(shallow.hand), cpoint3(2 - half, half, 0), 1e-3f));
     stiff.elbow.LockIK(1);
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(0, 2, 0), &stiff.hand, 0, 1e-3f), 0);
-    EXPECT_TRUE(Near(stiff.At(stiff.hand), cpoint3(4, 0, 0), 0));
+    EXPECT_EQ(stiff.Reach(cpoint3(0, 2, 0)), 0);
+    EXPECT_TRUE(Near3(stiff.At(stiff.hand), cpoint3(4, 0, 0), 0));
 }
 
 TEST_F(IK, KeepsJointAnglesWithinTheirLimits) {
-    Arm arm;
-    arm.elbow.EnableIKDOF(1);
-    arm.elbow.SetIKMinRot(cpoint3(0, 0, -60));
-    arm.elbow.SetIKMaxRot(cpoint3(0, 0, 60));
+    Arm arm, easy;
+    for (Arm* a : {&arm, &easy}) {
+        a->elbow.EnableIKDOF(1);
+        a->elbow.SetIKMinRot(cpoint3(0, 0, -60));
+        a->elbow.SetIKMaxRot(cpoint3(0, 0, 60));
+    }
     // Reaching (2, 2, 0) takes a bend of 90 degrees.
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(2, 2, 0), &arm.hand, 0, 1e-3f), 0);
+    EXPECT_EQ(arm.Reach(cpoint3(2, 2, 0)), 0);
     EXPECT_LE(arm.Bend(), 60.01);
-
     // A target 3.5 away takes a bend of acos((3.5^2 - 8) / 8) = 57.9 degrees: within the limits.
-    Arm easy;
-    easy.elbow.EnableIKDOF(1);
-    easy.elbow.SetIKMinRot(cpoint3(0, 0, -60));
-    easy.elbow.SetIKMaxRot(cpoint3(0, 0, 60));
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(0, 3.5f, 0), &easy.hand, 0, 1e-3f), 1);
+    EXPECT_EQ(easy.Reach(cpoint3(0, 3.5f, 0)), 1);
     EXPECT_NEAR(easy.Bend(), std::acos((3.5 * 3.5 - 8.0) / 8.0) * kDegrees, 0.1);
 }
 
@@ -105,36 +92,32 @@ TEST_F(IK, DampingCapsTheTurnOfEachStep) {
         const cpoint3 dir = Normalize(arm.At(arm.hand) - arm.At(arm.elbow));
         return std::acos(std::fmin(1.0, dir.x)) * kDegrees;
     };
-    Arm free;
+    Arm free, damped;
     free.hand.SetIKRecurseNum(1);
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(2, 2, 0), &free.hand, 1, 1e-3f), 1);
-
-    Arm damped;
+    EXPECT_EQ(free.Reach(cpoint3(2, 2, 0), 1), 1);
     damped.hand.SetIKRecurseNum(1);
     damped.elbow.EnableIKDamping(1);
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(2, 2, 0), &damped.hand, 5, 1e-3f), 0);
+    EXPECT_EQ(damped.Reach(cpoint3(2, 2, 0), 5), 0);
     EXPECT_NEAR(turned(damped), 50.0, 0.01);
     damped.hand.SetIKNumIterations(2);  // used when no iteration count is given
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(2, 2, 0), &damped.hand, 0, 1e-3f), 0);
+    EXPECT_EQ(damped.Reach(cpoint3(2, 2, 0)), 0);
     EXPECT_NEAR(turned(damped), 70.0, 0.01);
-    EXPECT_EQ(IK_ComputeCCD(0, cpoint3(2, 2, 0), &damped.hand, 10, 1e-3f), 1);
+    EXPECT_EQ(damped.Reach(cpoint3(2, 2, 0), 10), 1);
 }
 
 TEST_F(IK, WritesRotationsThroughTheKeyRules) {
-    Arm animated;
+    Arm animated, later;
     SetAnimTime(40);
     SetAnimOn(1);
-    EXPECT_EQ(IK_ComputeCCD(40, cpoint3(2, 2, 0), &animated.hand, 0, 1e-3f), 1);
-    EXPECT_TRUE(animated.elbow.HasKey(40));
-    EXPECT_TRUE(animated.shoulder.HasKey(40));
-    EXPECT_TRUE(Near(animated.At(animated.hand, 0), cpoint3(4, 0, 0), 0));
+    EXPECT_EQ(animated.Reach(cpoint3(2, 2, 0), 0, 40), 1);
+    EXPECT_TRUE(animated.elbow.HasKey(40) && animated.shoulder.HasKey(40));
+    EXPECT_TRUE(Near3(animated.At(animated.hand, 0), cpoint3(4, 0, 0), 0));
 
     SetAnimOn(0);
     SetAnimTime(0);
-    Arm later;
-    EXPECT_EQ(IK_ComputeCCD(80, cpoint3(2, 2, 0), &later.hand, 0, 1e-3f), 1);
+    EXPECT_EQ(later.Reach(cpoint3(2, 2, 0), 0, 80), 1);
     EXPECT_TRUE(later.elbow.HasKey(80));
-    EXPECT_TRUE(Near(later.At(later.hand, 0), cpoint3(4, 0, 0), 0));
+    EXPECT_TRUE(Near3(later.At(later.hand, 0), cpoint3(4, 0, 0), 0));
     EXPECT_LE(Distance(later.At(later.hand, 80), cpoint3(2, 2, 0)), 1e-3f);
 }
 

@@ -59,12 +59,9 @@ struct WholeProjectFile : ProjectFile {
 
     // Ambient (grey, opaque), black background, fog off with colour 0 and values 0, 1, 1.
     static std::string Settings(float ambient, const std::string& notes) {
-        return ByteString()
-            .Floats({ambient, ambient, ambient, 1, 0, 0, 0, 1})
-            .Word(0)
-            .Floats({0, 0, 0, 0, 1, 1})
-            .Text(notes)
-            .bytes;
+        ByteString r;
+        r.Floats({ambient, ambient, ambient, 1, 0, 0, 0, 1}).Word(0).Floats({0, 0, 0, 0, 1, 1});
+        return r.Text(notes).bytes;
     }
 
     std::string Bytes() const {
@@ -96,9 +93,7 @@ struct WholeProjectFile : ProjectFile {
 struct NodeRecord {
     struct Key {
         std::int32_t time;
-        float position[3];
-        float rotation[4];
-        float scale[3];
+        float position[3], rotation[4], scale[3];
     };
 
     std::uint32_t type = 1, subType = 0, recordType = 1;
@@ -140,8 +135,8 @@ struct NodeRecord {
 // told from an equal one.
 inline std::string DescribeMainScene(bool identities) {
     std::string text;
-    const auto put = [&text](std::initializer_list<double> values) {
-        for (double v : values) {
+    const auto put = [&text](auto... values) {
+        for (double v : {double(values)...}) {
             char number[32];
             std::snprintf(number, sizeof number, " %.9g", v);
             text += number;
@@ -162,45 +157,24 @@ inline std::string DescribeMainScene(bool identities) {
         const ccolor col = n.GetColor();
         const cpoint3 lo = n.GetIKMinRot(), hi = n.GetIKMaxRot();
         const cquat q = n.GetIKInitialRot();
-        put({double(n.GetTypeID()),
-             double(n.GetSubTypeID()),
-             double(n.GetFlags()),
-             double(n.GetCastShadowFlag()),
-             double(n.GetReceiveShadowFlag()),
-             double(n.GetSeeThroughFlag()),
-             double(n.IsIKDOFEnabled()),
-             double(n.IsIKDampingEnabled()),
-             double(n.IsIKLocked()),
-             double(n.GetIKNumIterations()),
-             double(n.GetIKRecurseNum()),
-             n.GetIKDampWidth(),
-             lo.x,
-             lo.y,
-             lo.z,
-             hi.x,
-             hi.y,
-             hi.z,
-             q.x,
-             q.y,
-             q.z,
-             q.w,
-             col.r,
-             col.g,
-             col.b,
-             col.a});
+        put(n.GetTypeID(), n.GetSubTypeID(), n.GetFlags(), n.GetCastShadowFlag(),
+            n.GetReceiveShadowFlag(), n.GetSeeThroughFlag(), n.IsIKDOFEnabled(),
+            n.IsIKDampingEnabled(), n.IsIKLocked(), n.GetIKNumIterations(), n.GetIKRecurseNum(),
+            n.GetIKDampWidth(), lo.x, lo.y, lo.z, hi.x, hi.y, hi.z, q.x, q.y, q.z, q.w, col.r,
+            col.g, col.b, col.a);
         for (int k = 0; k < n.GetAnimPtr()->NumKeys(); ++k) {
             ckey key;
             n.GetAnimPtr()->GetKeyAt(k, key);
             const cpoint3 &p = key.position, &s = key.scale;
             const cquat& r = key.rotation;
             text += " key";
-            put({double(key.time), p.x, p.y, p.z, r.x, r.y, r.z, r.w, s.x, s.y, s.z});
+            put(key.time, p.x, p.y, p.z, r.x, r.y, r.z, r.w, s.x, s.y, s.z);
         }
         for (int t : {0, 25, 40, 80, 130, 200, 400}) {
             const cpoint3 p = n.GetPosition(t), s = n.GetScale(t);
             const cquat r = n.GetRotation(t);
             text += " at";
-            put({double(t), p.x, p.y, p.z, r.x, r.y, r.z, r.w, s.x, s.y, s.z});
+            put(t, p.x, p.y, p.z, r.x, r.y, r.z, r.w, s.x, s.y, s.z);
         }
     }
     for (int i = 0; i < MainScene.NumMaterials(); ++i) {
@@ -212,27 +186,9 @@ inline std::string DescribeMainScene(bool identities) {
     float start, end, density;
     MainScene.GetFogValues(fog, start, end, density);
     name("\nscene notes ", MainScene.GetNotes(), nullptr);
-    put({a.r,
-         a.g,
-         a.b,
-         a.a,
-         b.r,
-         b.g,
-         b.b,
-         b.a,
-         double(MainScene.IsFogEnabled()),
-         fog.x,
-         fog.y,
-         fog.z,
-         start,
-         end,
-         density,
-         double(MainScene.NumSelected()),
-         double(MainScene.NumHidden()),
-         double(GetAnimStart()),
-         double(GetAnimEnd()),
-         double(GetAnimTime()),
-         double(GetAnimTPF())});
+    put(a.r, a.g, a.b, a.a, b.r, b.g, b.b, b.a, MainScene.IsFogEnabled(), fog.x, fog.y, fog.z,
+        start, end, density, MainScene.NumSelected(), MainScene.NumHidden(), GetAnimStart(),
+        GetAnimEnd(), GetAnimTime(), GetAnimTPF());
     return text;
 }
 
