@@ -1,73 +1,49 @@
 // The graphics settings: defaults, block copies and the library's instance.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "cgfx.h"
 
 namespace {
 
-void ExpectColor(const ccolor& c, float r, float g, float b, float a) {
-    EXPECT_FLOAT_EQ(c.r, r);
-    EXPECT_FLOAT_EQ(c.g, g);
-    EXPECT_FLOAT_EQ(c.b, b);
-    EXPECT_FLOAT_EQ(c.a, a);
+// The 32 words in memory order.
+std::vector<float> Words(const cgfx& g) {
+    const auto* words = reinterpret_cast<const float*>(&g);
+    return std::vector<float>(words, words + 32);
 }
 
-void ExpectDefaults(const cgfx& g) {
-    ExpectColor(g.selcolor, 1, 1, 1, 1);
-    ExpectColor(g.namecolor, 0, 0, 0, 1);
-    ExpectColor(g.lightcolor, 1, 1, 0, 1);
-    ExpectColor(g.cameracolor, 0, 0, 1, 1);
-    ExpectColor(g.hilitecolor, 1, 0.5f, 0, 1);
-    ExpectColor(g.targetcolor, 0, 0, 1, 1);
-    ExpectColor(g.elemcolor, 1, 0, 0, 1);
-    EXPECT_FLOAT_EQ(g.vertsize, 3.0f);
-    EXPECT_FLOAT_EQ(g.iconpointsize, 5.0f);
-    EXPECT_FLOAT_EQ(g.linewidth, 1.0f);
-    EXPECT_FLOAT_EQ(g.normallength, 0.0f);
-}
+const std::vector<float> kDefaults = {1, 1,    1, 1, 0, 0, 0, 1, 1, 1, 0, 1, 0, 0, 1, 1,
+                                      1, 0.5f, 0, 1, 0, 0, 1, 1, 1, 0, 0, 1, 3, 5, 1, 0};
 
 }  // namespace
 
 TEST(cgfx, HoldsThirtyTwoWordsWithTheDefaultTable) {
     EXPECT_EQ(sizeof(cgfx), 128u);
     cgfx g;
-    ExpectDefaults(g);
-    // The scalars follow the seven colours directly.
-    float const* words = reinterpret_cast<float const*>(&g);
-    EXPECT_FLOAT_EQ(words[8], 1.0f);   // colour 2 red
-    EXPECT_FLOAT_EQ(words[10], 0.0f);  // colour 2 blue
-    EXPECT_FLOAT_EQ(words[28], 3.0f);
-    EXPECT_FLOAT_EQ(words[29], 5.0f);
-
+    EXPECT_EQ(Words(g), kDefaults);
     g.lightcolor.Set(0.25f, 0.5f, 0.75f, 1.0f);
     g.normallength = 7.0f;
-    cgfx copy(g);
-    ExpectColor(copy.lightcolor, 0.25f, 0.5f, 0.75f, 1.0f);
-    EXPECT_FLOAT_EQ(copy.normallength, 7.0f);
     cgfx assigned;
     assigned = g;
-    ExpectColor(assigned.lightcolor, 0.25f, 0.5f, 0.75f, 1.0f);
+    EXPECT_EQ(Words(cgfx(g)), Words(g));
+    EXPECT_EQ(Words(assigned), Words(g));
     assigned.Defaults();
-    ExpectDefaults(assigned);
+    EXPECT_EQ(Words(assigned), kDefaults);
 }
 
 TEST(cgfx, LibrarySettingsAreReplacedWholeAndReadAsCopies) {
-    cgfx const saved = GetGfxInfo();
-    cgfx same = GetGfxInfo();
-    SetGfxInfo(same);
-    ExpectDefaults(GetGfxInfo());
-
+    cgfx saved = GetGfxInfo();
+    EXPECT_EQ(Words(saved), kDefaults);
     cgfx changed;
     changed.cameracolor.Set(0.5f, 0.5f, 0.5f, 1.0f);
     changed.linewidth = 2.0f;
     SetGfxInfo(changed);
+    const std::vector<float> set = Words(changed);
     changed.linewidth = 9.0f;  // the library holds its own copy
     cgfx read = GetGfxInfo();
-    ExpectColor(read.cameracolor, 0.5f, 0.5f, 0.5f, 1.0f);
-    EXPECT_FLOAT_EQ(read.linewidth, 2.0f);
+    EXPECT_EQ(Words(read), set);
     read.linewidth = 4.0f;
-    EXPECT_FLOAT_EQ(GetGfxInfo().linewidth, 2.0f);
-
-    cgfx restore = saved;
-    SetGfxInfo(restore);
+    EXPECT_EQ(GetGfxInfo().linewidth, 2.0f);
+    SetGfxInfo(saved);
 }

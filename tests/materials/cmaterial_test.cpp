@@ -44,12 +44,6 @@ Color4 Of(const ccolor& c) {
     return {c.r, c.g, c.b, c.a};
 }
 
-// An image of `width` x `height` pixels of one colour.
-void MakeImage(cimage& image, std::array<int, 4> rgba, int width = 2, int height = 2) {
-    std::vector<unsigned char> pixels = SolidPixels(width, height, rgba);
-    SetPixels(image, pixels, width, height);
-}
-
 cmaterial LoadedFrom(const std::string& bytes, unsigned long version, int* result = nullptr) {
     RecordStream stream(bytes);
     cmaterial material;
@@ -66,20 +60,27 @@ Color4 MaterialColor(GLenum face, GLenum name) {
 
 }  // namespace
 
+// The five colours, shininess, amounts, environment map type and switches, in that order.
+std::vector<float> SettingsOf(const cmaterial& m) {
+    std::vector<float> out;
+    for (const ccolor& c :
+         {m.GetAmbient(), m.GetDiffuse(), m.GetSpecular(), m.GetEmissive(), m.GetTransColor()})
+        out.insert(out.end(), {c.r, c.g, c.b, c.a});
+    for (int i :
+         {m.GetDiffuseAmount(), m.GetOpacityAmount(), m.GetBumpAmount(), m.GetReflectionAmount(),
+          m.GetRefractionAmount(), m.GetEmissiveAmount(), m.GetEnvMapType(),
+          m.IsTransColorEnabled(), m.IsAlphaEnabled(), m.IsOGLfxEnabled()})
+        out.push_back(static_cast<float>(i));
+    out.push_back(m.GetShininess());
+    return out;
+}
+
 TEST(MaterialSettings, DefaultsColourFormsAndClamps) {
     cmaterial m;
-    EXPECT_EQ(Of(m.GetAmbient()), (Color4{0.5f, 0.5f, 0.5f, 1}));
-    EXPECT_EQ(Of(m.GetDiffuse()), (Color4{1, 1, 1, 1}));
-    EXPECT_EQ(Of(m.GetSpecular()), (Color4{0, 0, 0, 0}));
-    EXPECT_EQ(Of(m.GetEmissive()), (Color4{0, 0, 0, 0}));
-    EXPECT_EQ(Of(m.GetTransColor()), (Color4{0, 0, 0, 0}));
-    EXPECT_EQ(m.GetShininess(), 100.0f);
-    EXPECT_EQ((std::vector<int>{m.GetDiffuseAmount(), m.GetOpacityAmount(), m.GetBumpAmount(),
-                                m.GetReflectionAmount(), m.GetRefractionAmount(),
-                                m.GetEmissiveAmount(), m.GetEnvMapType()}),
-              (std::vector<int>{100, 100, 100, 0, 100, 0, 1}));
-    EXPECT_EQ((std::vector<int>{m.IsTransColorEnabled(), m.IsAlphaEnabled(), m.IsOGLfxEnabled()}),
-              (std::vector<int>{0, 1, 0}));
+    const std::vector<float> defaults = {0.5f, 0.5f, 0.5f, 1, 1, 1, 1, 1, 0,  0,   0,
+                                         0,    0,    0,    0, 0, 0, 0, 0, 0,  100, 100,
+                                         100,  0,    100,  0, 1, 0, 1, 0, 100};
+    EXPECT_EQ(SettingsOf(m), defaults);
 
     m.SetSpecular(51, 102, 255, 0);
     EXPECT_EQ(Of(m.GetSpecular()), (Color4{0.2f, 0.4f, 1.0f, 0.0f}));
@@ -91,35 +92,34 @@ TEST(MaterialSettings, DefaultsColourFormsAndClamps) {
     m.GetAmbient(fr, fg, fb, fa);
     EXPECT_EQ((Color4{fr, fg, fb, fa}), (Color4{0.5f, 0.5f, 0.5f, 1}));
 
-    m.SetShininess(200.0f);
-    EXPECT_EQ(m.GetShininess(), 128.0f);
-    m.SetShininess(-3);
-    EXPECT_EQ(m.GetShininessi(), 0);
-    m.SetShininess(12.75f);
-    EXPECT_EQ(m.GetShininessi(), 12);
+    for (const auto& row :
+         {std::array<float, 3>{200, 128, 128}, {-3, 0, 0}, {12.75f, 12.75f, 12}}) {
+        m.SetShininess(row[0]);
+        EXPECT_EQ(m.GetShininess(), row[1]) << row[0];
+        EXPECT_EQ(m.GetShininessi(), row[2]) << row[0];
+    }
     m.SetRefractionAmount(500);
     m.SetReflectionAmount(500);
     m.SetEmissiveAmount(-4);
     m.SetOpacityAmount(101);
-    EXPECT_EQ(m.GetRefractionAmount(), 500);
-    EXPECT_EQ(m.GetReflectionAmount(), 100);
-    EXPECT_EQ(m.GetEmissiveAmount(), 0);
-    EXPECT_EQ(m.GetOpacityAmount(), 100);
+    EXPECT_EQ((std::vector<int>{m.GetRefractionAmount(), m.GetReflectionAmount(),
+                                m.GetEmissiveAmount(), m.GetOpacityAmount()}),
+              (std::vector<int>{500, 100, 0, 100}));
     m.SetRefractionAmount(1001);
     EXPECT_EQ(m.GetRefractionAmount(), 1000);
 
     cmaterial copy(m);
     m.Clear(0);
     EXPECT_EQ(copy.GetRefractionAmount(), 1000);
-    EXPECT_EQ(m.GetRefractionAmount(), 100);
+    EXPECT_EQ(SettingsOf(m), defaults);
     EXPECT_STREQ(m.GetName(), "Mat1");
 }
 
 TEST(MaterialMaps, SlotsHandOnSettingsAndDecideTransparency) {
     cmaterial m("Glass");
     cimage red, grey;
-    MakeImage(red, {255, 0, 0, 255});
-    MakeImage(grey, {90, 120, 150, 255});
+    SolidImage(red, {255, 0, 0, 255});
+    SolidImage(grey, {90, 120, 150, 255});
     m.SetTransColor(255, 0, 0, 255);
     EXPECT_EQ(m.IsTransparent(), 0);
     EXPECT_EQ(m.SetImage(red, MAP_DIFFUSE), 1);
@@ -193,26 +193,20 @@ TEST(MaterialRecord, NewestVersionIsWrittenByteForByteAndMissingFilesKeepTheirPa
     m.SetImage(wood, MAP_DIFFUSE);
     m.GetImage(MAP_REFLECTION)->SetPathName(const_cast<char*>("C:\\gone\\sky.jpg"));
 
-    MaterialRecordBytes expected;
-    expected.name = "Wood";
-    const float colours[5][4] = {{0.1f, 0.2f, 0.3f, 0.4f},
+    MaterialRecordBytes expected{"Wood",
+                                 {0.1f, 0.2f, 0.3f, 0.4f},
                                  {0.5f, 0.6f, 0.7f, 0.8f},
                                  {0.9f, 1.0f, 0.25f, 0.5f},
                                  {0.125f, 0.375f, 0.625f, 0.875f},
-                                 {1, 0, 0, 1}};
-    for (int i = 0; i < 4; ++i) expected.ambient[i] = colours[0][i];
-    for (int i = 0; i < 4; ++i) expected.diffuse[i] = colours[1][i];
-    for (int i = 0; i < 4; ++i) expected.specular[i] = colours[2][i];
-    for (int i = 0; i < 4; ++i) expected.emissive[i] = colours[3][i];
-    for (int i = 0; i < 4; ++i) expected.transColor[i] = colours[4][i];
-    expected.transColorFlag = 1;
-    expected.oglfxFlag = 1;
-    expected.shininess = 42.5f;
-    const std::int32_t amounts[6] = {90, 80, 70, 60, 750, 40};
-    std::copy(amounts, amounts + 6, expected.amounts);
-    expected.envMapType = 2;
-    MapRecordBytes& map = expected.maps[MAP_DIFFUSE];
-    map = {dir.File("wood.png"), 3, 0.5f, 2, 1, 1, {255, 0, 0}, 1};
+                                 {1, 0, 0, 1},
+                                 1,
+                                 1,
+                                 1,
+                                 42.5f,
+                                 {90, 80, 70, 60, 750, 40},
+                                 2,
+                                 {}};
+    expected.maps[MAP_DIFFUSE] = {dir.File("wood.png"), 3, 0.5f, 2, 1, 1, {255, 0, 0}, 1};
     expected.maps[MAP_REFLECTION].path = "C:\\gone\\sky.jpg";
     const std::string bytes = Saved([&m](cio_save& out) { EXPECT_EQ(m.Save(out), 1); });
     EXPECT_EQ(bytes, expected.Bytes(16));
@@ -332,7 +326,7 @@ TEST_F(MaterialRender, SetsColoursBlendingDepthWritesAndTextureUnits) {
         return std::make_pair(enabled, bound);
     };
     cimage picture;
-    MakeImage(picture, {200, 100, 50, 255});
+    SolidImage(picture, {200, 100, 50, 255});
     m.SetImage(picture, MAP_DIFFUSE);
     m.SetImage(picture, MAP_OPACITY);
     const auto diffuseID = static_cast<GLint>(m.GetImage(MAP_DIFFUSE)->GetID(0));

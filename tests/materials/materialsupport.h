@@ -58,4 +58,10 @@ inline void SetPixels(cimage& image, std::vector<unsigned char>& pixels, int wid
     ASSERT_EQ(image.SetBits(nullptr, pixels.data(), nullptr, width, height, 32, 0), 1);
 }
 
+// `image` set to `width` x `height` pixels, all of `rgba`.
+inline void SolidImage(cimage& image, std::array<int, 4> rgba, int width = 2, int height = 2) {
+    std::vector<unsigned char> pixels = SolidPixels(width, height, rgba);
+    SetPixels(image, pixels, width, height);
+}
+
 #endif

@@ -2,17 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
-#include <vector>
-
-#include "cinterface.h"
 
 namespace {
 
 constexpr int IDC_RADIUS = 1001, IDC_SMOOTH = 1002, IDC_AXIS_X = 1010, IDC_AXIS_Y = 1011,
               IDC_AXIS_Z = 1012;
-constexpr unsigned int WM_COMMAND = 0x0111;
 
 std::string TextOf(HWND panel, int id) {
     char buffer[64];
@@ -90,42 +85,6 @@ TEST_F(PanelPort, NamesControlsByHandleAndTracksTheFocus) {
     port.DestroyPanel(panel);
     EXPECT_EQ(GetFocus(), nullptr);
     EXPECT_EQ(GetDlgCtrlID(smooth), 0);
-}
-
-// A tool whose panel edits its radius and axis, as the creators' panels do.
-class RadiusTool : public ccreateinterface {
-public:
-    int DlgProc(HWND panel, unsigned int msg, unsigned int wParam, long) override {
-        if (msg != WM_COMMAND) return 0;
-        const int id = static_cast<int>(wParam & 0xFFFF);
-        if (id >= IDC_AXIS_X && id <= IDC_AXIS_Z) {
-            CheckRadioButton(panel, IDC_AXIS_X, IDC_AXIS_Z, id);
-            axis = id - IDC_AXIS_X;
-            return 1;
-        }
-        if (id == IDC_RADIUS && GetDlgCtrlID(GetFocus()) == IDC_RADIUS) {
-            GetDlgItemFloat(panel, IDC_RADIUS, &radius);
-            SetDlgItemFloat(panel, IDC_RADIUS, radius);
-            return 1;
-        }
-        return 0;
-    }
-    float radius = 1.0f;
-    int axis = 0;
-};
-
-TEST_F(PanelPort, RunsAToolsDialogProcedure) {
-    RadiusTool tool;
-    SetDlgItemTextA(panel, IDC_RADIUS, "7.25");
-    EXPECT_EQ(tool.DlgProc(panel, WM_COMMAND, IDC_RADIUS, 0), 0) << "radius field not focused";
-    EXPECT_EQ(tool.radius, 1.0f);
-    port.SetFocus(GetDlgItem(panel, IDC_RADIUS));
-    EXPECT_EQ(tool.DlgProc(panel, WM_COMMAND, IDC_RADIUS, 0), 1);
-    EXPECT_EQ(tool.radius, 7.25f);
-    EXPECT_EQ(TextOf(panel, IDC_RADIUS), "7.2500");
-    EXPECT_EQ(tool.DlgProc(panel, WM_COMMAND, IDC_AXIS_Z, 0), 1);
-    EXPECT_EQ(tool.axis, 2);
-    EXPECT_EQ(IsDlgButtonChecked(panel, IDC_AXIS_Z), BST_CHECKED);
 }
 
 TEST(PanelPortDefault, IsTheLibrarysInMemoryPortUntilAHostInstallsOne) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <random>
 #include <sstream>
 #include <string>
@@ -33,10 +34,6 @@ std::string RunForOutput(const std::string& command) {
     while ((n = std::fread(chunk, 1, sizeof chunk, pipe)) > 0) out.append(chunk, n);
     pclose(pipe);
     return out;
-}
-
-void RunCommand(const std::string& command) {
-    ASSERT_EQ(std::system((command + " 2>/dev/null").c_str()), 0) << command;
 }
 
 // Reads a PAM (P7) or PPM (P6) of 8-bit samples into RGBA.
@@ -78,15 +75,11 @@ Rgba ParseNetpbm(const std::string& bytes) {
     return picture;
 }
 
-bool EndsWith(const std::string& text, const std::string& suffix) {
-    return text.size() >= suffix.size() &&
-           text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
 // ImageMagick's reading of a file. It keeps a TGA's row order as a note beside the pixels;
 // -auto-orient applies it.
 Rgba DecodeWithConvert(const std::string& path) {
-    const std::string orient = EndsWith(path, ".tga") ? " -auto-orient" : "";
+    const std::string orient =
+        std::filesystem::path(path).extension() == ".tga" ? " -auto-orient" : "";
     return ParseNetpbm(RunForOutput("/usr/bin/convert '" + path + "[0]'" + orient +
                                     " -depth 8 pam:- 2>/dev/null"));
 }
@@ -137,24 +130,14 @@ bool AnyAlphaBelowOpaque(const Rgba& picture) {
     return false;
 }
 
-std::vector<std::string> ListFolder(const std::string& folder, const std::string& suffix) {
-    std::vector<std::string> files;
-    std::istringstream names(RunForOutput("ls '" + folder + "'"));
-    for (std::string name; std::getline(names, name);)
-        if (EndsWith(name, suffix)) files.push_back(folder + "/" + name);
-    return files;
-}
-
-std::vector<std::string> PngSuite() {
-    return ListFolder(SharedDataPath("images/pngsuite"), ".png");
-}
-
 std::string JpegBmp(const std::string& name) {
     return SharedDataPath("images/jpeg-bmp/" + name);
 }
 
 TEST(PictoLib, DecodesEveryPngOfTheSuiteLikeAnIndependentDecoder) {
-    const std::vector<std::string> files = PngSuite();
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(SharedDataPath("images/pngsuite")))
+        if (entry.path().extension() == ".png") files.push_back(entry.path());
     ASSERT_GE(files.size(), 60u);
     for (const std::string& path : files) {
         const Rgba ours = DecodeWithPictoLib(path);
@@ -226,9 +209,10 @@ TEST(PictoLib, DecodesTgaGifAndPsdFilesMadeByAnotherProgram) {
         {"basn2c08.png", "rgb565.bmp", "-define bmp:subtype=RGB565", false},
     };
     for (const Case& c : cases) {
-        const std::string source = suite + c.source;
         const std::string path = dir.File(c.target);
-        RunCommand("/usr/bin/convert '" + source + "' " + c.options + " '" + path + "'");
+        const std::string command = "/usr/bin/convert '" + suite + c.source + "' " + c.options +
+                                    " '" + path + "' 2>/dev/null";
+        ASSERT_EQ(std::system(command.c_str()), 0) << command;
         const Rgba ours = DecodeWithPictoLib(path);
         ExpectSamePicture(path, ours, DecodeWithConvert(path), 0);
         EXPECT_EQ(ours.hasAlphaBuffer, c.transparent) << path;
@@ -254,29 +238,25 @@ TEST(PictoLib, ClampsHdrToTheDisplayRangeWithoutToneMapping) {
     EXPECT_FALSE(ours.hasAlphaBuffer);
 }
 
-// A 5 x 3 test card whose every sample differs, with an alpha ramp.
+// A 5 x 3 test card whose every sample differs, with an alpha ramp, as 24-bit and 32-bit
+// pixels and the RGBA expected back with and without the alpha buffer.
 struct Card {
-    std::vector<unsigned char> rgba, rgb, alpha;
     static constexpr int kWidth = 5, kHeight = 3;
+    std::vector<unsigned char> rgb, rgba, alpha, withAlpha, opaque;
     Card() {
         for (int y = 0; y < kHeight; ++y)
             for (int x = 0; x < kWidth; ++x) {
-                const unsigned char pixel[3] = {static_cast<unsigned char>(40 * x + 7),
-                                                static_cast<unsigned char>(80 * y + 3),
-                                                static_cast<unsigned char>(200 - 10 * (x + y))};
-                rgb.insert(rgb.end(), pixel, pixel + 3);
-                rgba.insert(rgba.end(), pixel, pixel + 3);
+                const std::vector<unsigned char> pixel = {
+                    static_cast<unsigned char>(40 * x + 7), static_cast<unsigned char>(80 * y + 3),
+                    static_cast<unsigned char>(200 - 10 * (x + y))};
+                const auto a = static_cast<unsigned char>(17 * (x + kWidth * y));
+                for (auto* out : {&rgb, &rgba, &withAlpha, &opaque})
+                    out->insert(out->end(), pixel.begin(), pixel.end());
                 rgba.push_back(99);  // never written: the alpha comes from its own buffer
-                alpha.push_back(static_cast<unsigned char>(17 * (x + kWidth * y)));
+                alpha.push_back(a);
+                withAlpha.push_back(a);
+                opaque.push_back(255);
             }
-    }
-    std::vector<unsigned char> Expected(bool withAlpha) const {
-        std::vector<unsigned char> out;
-        for (std::size_t i = 0; i < alpha.size(); ++i) {
-            out.insert(out.end(), &rgb[3 * i], &rgb[3 * i] + 3);
-            out.push_back(withAlpha ? alpha[i] : 255);
-        }
-        return out;
     }
 };
 
@@ -295,10 +275,11 @@ TEST(PictoLib, SavesLosslessFormatsThatReadBackExactly) {
                     << path;
                 const Rgba ours = DecodeWithPictoLib(path);
                 EXPECT_EQ(ours.width, Card::kWidth) << path;
-                EXPECT_EQ(ours.pixels, card.Expected(withAlpha)) << path;
+                EXPECT_EQ(ours.pixels, withAlpha ? card.withAlpha : card.opaque) << path;
                 EXPECT_EQ(ours.hasAlphaBuffer, withAlpha) << path;
                 // Another program reads the same pixels from the file.
-                EXPECT_EQ(DecodeWithConvert(path).pixels, card.Expected(withAlpha)) << path;
+                EXPECT_EQ(DecodeWithConvert(path).pixels, withAlpha ? card.withAlpha : card.opaque)
+                    << path;
             }
         }
     }
@@ -315,62 +296,51 @@ std::string EstimatedJpegQuality(const std::string& path) {
     return RunForOutput("/usr/bin/convert '" + path + "' -format %Q info: 2>/dev/null");
 }
 
+// Saves the 32-bit pixels of `p` to `path`; the result of PictoLib_Save.
+int SaveRgba(const std::string& path, const Rgba& p, const unsigned char* alpha = nullptr,
+             int quality = 0, int ask = 0) {
+    return PictoLib_Save(path.empty() ? nullptr : path.c_str(), p.pixels.data(), alpha, p.width,
+                         p.height, 32, quality, ask);
+}
+
 TEST(PictoLib, SavesJpegWithTheGivenOrTheAskedQuality) {
     TempDir dir;
-    const std::string photo = JpegBmp("testorig.png");
-    const Rgba source = DecodeWithPictoLib(photo);
+    const Rgba source = DecodeWithPictoLib(JpegBmp("testorig.png"));
     ASSERT_EQ(source.width, 227);
-    const std::string fine = dir.File("fine.jpg");
-    ASSERT_EQ(PictoLib_Save(fine.c_str(), source.pixels.data(), nullptr, source.width,
-                            source.height, 32, 95, 0),
-              1);
-    EXPECT_EQ(EstimatedJpegQuality(fine), "95");
-    const Rgba back = DecodeWithPictoLib(fine);
+    ASSERT_EQ(SaveRgba(dir.File("fine.jpg"), source, nullptr, 95), 1);
+    EXPECT_EQ(EstimatedJpegQuality(dir.File("fine.jpg")), "95");
+    const Rgba back = DecodeWithPictoLib(dir.File("fine.jpg"));
     ASSERT_EQ(back.height, source.height);
-    const Difference d = Compare(back, source);
-    EXPECT_LT(d.largest, 48);
+    EXPECT_LT(Compare(back, source).largest, 48);
     // Out of range means 75; an alpha buffer is dropped, JPEG has no alpha.
-    const std::string defaulted = dir.File("default.JPEG");
     std::vector<unsigned char> alpha(static_cast<std::size_t>(source.width) * source.height, 7);
-    ASSERT_EQ(PictoLib_Save(defaulted.c_str(), source.pixels.data(), alpha.data(), source.width,
-                            source.height, 32, 101, 0),
-              1);
-    EXPECT_EQ(EstimatedJpegQuality(defaulted), "75");
-    EXPECT_FALSE(DecodeWithPictoLib(defaulted).hasAlphaBuffer);
+    ASSERT_EQ(SaveRgba(dir.File("default.JPEG"), source, alpha.data(), 101), 1);
+    EXPECT_EQ(EstimatedJpegQuality(dir.File("default.JPEG")), "75");
+    EXPECT_FALSE(DecodeWithPictoLib(dir.File("default.JPEG")).hasAlphaBuffer);
 
     int (*saved)() = I_JPGQualityDlg;
     I_JPGQualityDlg = AnswerQualityDialog;
     g_dialogCalls = 0;
     g_dialogAnswer = 30;
-    const std::string asked = dir.File("asked.jpg");
-    EXPECT_EQ(PictoLib_Save(asked.c_str(), source.pixels.data(), nullptr, source.width,
-                            source.height, 32, 95, 1),
-              1);
-    EXPECT_EQ(EstimatedJpegQuality(asked), "30");
+    EXPECT_EQ(SaveRgba(dir.File("asked.jpg"), source, nullptr, 95, 1), 1);
+    EXPECT_EQ(EstimatedJpegQuality(dir.File("asked.jpg")), "30");
     // A cancelled dialog writes nothing; other formats never ask.
     g_dialogAnswer = 0;
-    const std::string cancelled = dir.File("cancelled.jpg");
-    EXPECT_EQ(PictoLib_Save(cancelled.c_str(), source.pixels.data(), nullptr, source.width,
-                            source.height, 32, 95, 1),
-              0);
-    EXPECT_TRUE(ReadFileBytes(cancelled).empty());
-    EXPECT_EQ(PictoLib_Save(dir.File("never.png").c_str(), source.pixels.data(), nullptr,
-                            source.width, source.height, 32, 95, 1),
-              1);
+    EXPECT_EQ(SaveRgba(dir.File("cancelled.jpg"), source, nullptr, 95, 1), 0);
+    EXPECT_TRUE(ReadFileBytes(dir.File("cancelled.jpg")).empty());
+    EXPECT_EQ(SaveRgba(dir.File("never.png"), source, nullptr, 95, 1), 1);
     EXPECT_EQ(g_dialogCalls, 2);
     I_JPGQualityDlg = saved;
 }
 
 TEST(PictoLib, RefusesBadArgumentsAndUnknownExtensions) {
     TempDir dir;
-    const Card card;
-    const unsigned char* bits = card.rgba.data();
-    EXPECT_EQ(PictoLib_Save(dir.File("a.gif").c_str(), bits, nullptr, 5, 3, 32, 0, 0), 0);
-    EXPECT_EQ(PictoLib_Save(dir.File("noextension").c_str(), bits, nullptr, 5, 3, 32, 0, 0), 0);
+    Rgba card{5, 3, Card().rgba};
+    for (const std::string name : {"a.gif", "noextension", "missing/a.png", ""})
+        EXPECT_EQ(SaveRgba(name.empty() ? name : dir.File(name), card), 0) << name;
     EXPECT_EQ(PictoLib_Save(dir.File("a.png").c_str(), nullptr, nullptr, 5, 3, 32, 0, 0), 0);
-    EXPECT_EQ(PictoLib_Save(dir.File("a.png").c_str(), bits, nullptr, 0, 3, 32, 0, 0), 0);
-    EXPECT_EQ(PictoLib_Save(dir.File("missing/a.png").c_str(), bits, nullptr, 5, 3, 32, 0, 0), 0);
-    EXPECT_EQ(PictoLib_Save(nullptr, bits, nullptr, 5, 3, 32, 0, 0), 0);
+    card.width = 0;
+    EXPECT_EQ(SaveRgba(dir.File("a.png"), card), 0);
     unsigned char* out = nullptr;
     int width = 0, height = 0;
     EXPECT_EQ(PictoLib_Load(dir.File("absent.png").c_str(), &out, nullptr, &width, &height), 0);

@@ -71,10 +71,9 @@ TEST(VideoClip, ReadsUncompressedFramesExactlyInAnyOrder) {
     const std::string path = MakeClip(dir, "raw.avi", "-c:v rawvideo -pix_fmt bgr24");
     std::unique_ptr<VideoClip> clip(VideoClip::Open(path.c_str()));
     ASSERT_TRUE(clip);
-    EXPECT_EQ(clip->Width(), kWidth);
-    EXPECT_EQ(clip->Height(), kHeight);
-    EXPECT_EQ(clip->NumFrames(), kFrames);
-    EXPECT_FLOAT_EQ(clip->FramesPerSecond(), 10.0f);
+    EXPECT_EQ((std::vector<float>{float(clip->Width()), float(clip->Height()),
+                                  float(clip->NumFrames()), clip->FramesPerSecond()}),
+              (std::vector<float>{kWidth, kHeight, kFrames, 10.0f}));
     ExpectFramesInAnyOrder(*clip, 0, 0);
 }
 

@@ -8,30 +8,24 @@ namespace {
 
 class AnimClockTest : public ::testing::Test {
 protected:
-    void SetUp() override { ResetAnim(); }
     void TearDown() override {
         ResetAnim();
         SetAnimOn(0);
     }
 };
 
-TEST_F(AnimClockTest, StartsAtTheDocumentedDefaults) {
-    EXPECT_EQ(GetAnimTime(), 0);
-    EXPECT_EQ(GetAnimStart(), 0);
-    EXPECT_EQ(GetAnimEnd(), 100);
-    EXPECT_EQ(GetAnimTPF(), 40);
-}
-
-TEST_F(AnimClockTest, TimeIsClampedToTheRange) {
+TEST_F(AnimClockTest, TimeRangeAndTicksPerFrameAreClamped) {
+    ResetAnim();
     SetAnimTime(150);
     EXPECT_EQ(GetAnimTime(), 100);
     SetAnimTime(-5);
     EXPECT_EQ(GetAnimTime(), 0);
-    SetAnimTime(42);
-    EXPECT_EQ(GetAnimTime(), 42);
-}
+    for (int tpf : {0, -3}) {
+        SetAnimTPF(tpf);
+        EXPECT_EQ(GetAnimTPF(), 1) << tpf;
+    }
 
-TEST_F(AnimClockTest, RangeEndsClampAgainstEachOtherButLeaveTheTime) {
+    // The range ends clamp against each other but leave the time.
     SetAnimEnd(-10);
     EXPECT_EQ(GetAnimEnd(), 0);
     SetAnimEnd(100);
@@ -39,7 +33,6 @@ TEST_F(AnimClockTest, RangeEndsClampAgainstEachOtherButLeaveTheTime) {
     EXPECT_EQ(GetAnimStart(), 100);
     SetAnimStart(-7);
     EXPECT_EQ(GetAnimStart(), 0);
-
     SetAnimTime(80);
     SetAnimEnd(50);
     EXPECT_EQ(GetAnimEnd(), 50);
@@ -47,15 +40,6 @@ TEST_F(AnimClockTest, RangeEndsClampAgainstEachOtherButLeaveTheTime) {
     SetAnimStart(90);
     EXPECT_EQ(GetAnimStart(), 50);
     EXPECT_EQ(GetAnimTime(), 80);
-}
-
-TEST_F(AnimClockTest, TicksPerFrameIsAtLeastOne) {
-    SetAnimTPF(0);
-    EXPECT_EQ(GetAnimTPF(), 1);
-    SetAnimTPF(-3);
-    EXPECT_EQ(GetAnimTPF(), 1);
-    SetAnimTPF(25);
-    EXPECT_EQ(GetAnimTPF(), 25);
 }
 
 TEST_F(AnimClockTest, ResetRestoresEverythingButTheAnimationMode) {

