@@ -311,6 +311,23 @@ TEST_F(SceneTest, HierarchyListsParentsBeforeChildren) {
     y->Detach(x, 0);
 }
 
+TEST_F(SceneTest, HierarchyOfAnyDepthIsListed) {
+    // A chain far deeper than a call stack could follow, added leaf first.
+    constexpr int kDepth = 300000;
+    std::vector<cnode*> chain(kDepth);
+    for (int i = 0; i < kDepth; ++i) chain[i] = new cnode("Link", ccolor());
+    // Attached from the bottom, so that each parent is still a root when it takes its child.
+    for (int i = kDepth - 1; i > 0; --i) chain[i - 1]->Attach(chain[i], 1);
+    std::reverse(chain.begin(), chain.end());
+    MainScene.AddNodeArray(chain.data(), kDepth, 1);
+    cbitarray order;
+    ASSERT_EQ(MainScene.GetNodesHierarchy(order), kDepth);
+    for (int k = 0; k < kDepth; ++k) ASSERT_EQ(order[k], kDepth - 1 - k) << k;
+    // Unlinked bottom up without keeping world transforms, which would walk the whole chain
+    // for every node when the scene is cleared.
+    for (int i = 0; i + 1 < kDepth; ++i) chain[i + 1]->Detach(chain[i], 0);
+}
+
 TEST_F(SceneTest, NodesTakeAGivenOrderAndContentsSwapWithTheirCounters) {
     TestNode* a = Add("A");
     TestNode* b = Add("B");
