@@ -37,7 +37,7 @@ struct TriangleRecords {
         return std::min(t.vref[k], t.vref[k == 2 ? 0 : k + 1]);
     }
     unsigned int Face(unsigned int r) const { return r / 3; }
-    void Fetch(unsigned int r) const { FetchEdgeData(&triangles[r / 3]); }
+    void Fetch(unsigned int r) const { PrefetchForWrite(&triangles[r / 3]); }
 };
 
 // The edge records of an AdjEdgeList, read from its corner records.
@@ -48,7 +48,7 @@ struct CornerRecords {
                         static_cast<unsigned int>(edges[r].v1));
     }
     unsigned int Face(unsigned int r) const { return edges[r].face; }
-    void Fetch(unsigned int r) const { FetchEdgeData(&edges[r]); }
+    void Fetch(unsigned int r) const { PrefetchForWrite(&edges[r]); }
 };
 
 bool JoinsEither(unsigned int a, unsigned int b, unsigned int r1, unsigned int r2) {

@@ -8,17 +8,10 @@
 
 #include "adjacency.h"
 #include "rsorter.h"
+#include "runtime/prefetch.h"
 
 // How a walk over the edge runs ended.
 enum class EdgeWalk { kEveryRun, kStopped, kNoMemory };
-
-inline void FetchEdgeData(const void* p) {
-#if defined(__GNUC__)
-    __builtin_prefetch(p, 1);
-#else
-    static_cast<void>(p);
-#endif
-}
 
 // Sorts the records and calls onRun(lower, higher, faces, size) for each run of records on
 // one vertex pair, in sorted order, where faces holds the run's first two faces (size 1 leaves

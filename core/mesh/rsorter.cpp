@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/hugepages.h"
+#include "runtime/prefetch.h"
 
 // A key and the item it belongs to, as the passes move them.
 struct RSorter::KeyedItem {
@@ -77,14 +78,6 @@ bool Ascending(const unsigned int* keys, unsigned int count) {
     return true;
 }
 
-inline void FetchAhead(const void* p) {
-#if defined(__GNUC__)
-    __builtin_prefetch(p);
-#else
-    static_cast<void>(p);
-#endif
-}
-
 // What a pass reads, by position: the keys in item order, the keys through an earlier order,
 // or the pairs an earlier pass wrote.
 struct InItemOrder {
@@ -97,7 +90,7 @@ struct ThroughOrder {
     const unsigned int* order;
     unsigned int count;
     KeyedItem At(unsigned int i) const {
-        if (i + kFetchAhead < count) FetchAhead(&keys[order[i + kFetchAhead]]);
+        if (i + kFetchAhead < count) Prefetch(&keys[order[i + kFetchAhead]]);
         return {keys[order[i]], order[i]};
     }
 };

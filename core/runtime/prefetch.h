@@ -1,0 +1,23 @@
+// Internal: asking for memory ahead of a random read, where the compiler offers it.
+#ifndef ORVANE_CORE_RUNTIME_PREFETCH_H
+#define ORVANE_CORE_RUNTIME_PREFETCH_H
+
+// Starts bringing the cache line at `p` in; the read (or, with Write, the write) that follows
+// later does not wait for memory. Only a hint: nothing is read and any address is allowed.
+inline void Prefetch(const void* p) {
+#if defined(__GNUC__)
+    __builtin_prefetch(p);
+#else
+    static_cast<void>(p);
+#endif
+}
+
+inline void PrefetchForWrite(const void* p) {
+#if defined(__GNUC__)
+    __builtin_prefetch(p, 1);
+#else
+    static_cast<void>(p);
+#endif
+}
+
+#endif
