@@ -17,7 +17,8 @@ public:
     // Orders items 0..count-1 by keys[item], ascending and stable. When the previous Sort had
     // the same count (and ResetRanks was not called since), ties keep the order that sort left,
     // so passes chain: sorting by B after sorting by A orders by B, then A. Otherwise ties keep
-    // item order. Returns *this; the order is GetRanks().
+    // item order. Returns *this; the order is GetRanks(). Throws std::bad_alloc when the
+    // buffers cannot grow to `count`, leaving the sorter as it was.
     RSorter& Sort(const unsigned int* keys, unsigned int count);
 
     // The items in sorted order: GetRanks()[i] is the item of rank i (count entries, null
@@ -30,14 +31,13 @@ public:
     // Makes the next Sort start again from item order (the buffers are kept).
     void ResetRanks() { count_ = 0; }
 
+    // The (key, item) pairs the passes move; defined with the passes.
+    struct KeyedItem;
+
 private:
     // Makes room for `count` items in every buffer; throws std::bad_alloc.
     void Reserve(unsigned int count);
 
-public:
-    struct KeyedItem;  // the passes' (key, item) pairs
-
-private:
     // The order and the keys in that order, then the pairs the passes write between.
     std::unique_ptr<unsigned int[]> ranks_, orderedKeys_;
     std::unique_ptr<KeyedItem[]> pairs_, otherPairs_;
