@@ -197,7 +197,8 @@ public:
     // The mesh material (not the faces').
     cmaterial* GetMaterial() const override;
     // The node part (cnode::Clone) plus a copy of every array, counter, box, flag and the
-    // mesh and face materials; `target` must be a cmesh for the mesh part.
+    // mesh and face materials; `target` must be a cmesh (or a class made from one, such as
+    // a skin) for the mesh part.
     void Clone(int time, cnode& target) const override;
     // Copies type and flags of vertex, face or edge `index` (level 1, 2, 3) into `element`;
     // 1 only for 0 < index < count.
@@ -478,6 +479,11 @@ public:
     int FindFaceFromEdge(int a, int b, int start, unsigned short skipFlags) const;
     // The same search for b -> a: the face on the other side of a face's edge a -> b.
     int FindAdjacentFaceFromEdge(int a, int b, int start, unsigned short skipFlags) const;
+
+protected:
+    // Replaces this mesh's content by `other`'s: the arrays as SetMesh copies them, the mesh
+    // material and the display switches.
+    void CopyMeshContent(const cmesh& other);
 
 private:
     // The selected and hidden counters of sub-object `level` (1 to 3).

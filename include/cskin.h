@@ -146,7 +146,10 @@ private:
         cmatrix4 bind;  // inverse of the bone's world matrix at bind time
     };
 
+    // The mesh content and the skin's own state of `other` (CopyBones: the bone pointers,
+    // bind matrices and skin vertices).
     void CopySkin(const cskin& other);
+    void CopyBones(const cskin& other);
     // Removes the bones that are null, repeat an earlier bone or are the skin itself, as
     // RemoveBone does.
     void DropMissingBones();

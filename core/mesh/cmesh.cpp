@@ -593,10 +593,13 @@ void cmesh::DeleteSelected() {
 
 void cmesh::Clone(int time, cnode& target) const {
     cnode::Clone(time, target);
-    if (target.GetTypeID() != TYPE_MESH || &target == this) return;
-    cmesh& mesh = static_cast<cmesh&>(target);
-    mesh.SetMesh(*this);
-    mesh.meshMaterial = meshMaterial;
-    mesh.showNormals = showNormals;
-    mesh.ignoreBack = ignoreBack;
+    auto* mesh = dynamic_cast<cmesh*>(&target);
+    if (mesh && mesh != this) mesh->CopyMeshContent(*this);
+}
+
+void cmesh::CopyMeshContent(const cmesh& other) {
+    SetMesh(other);
+    meshMaterial = other.meshMaterial;
+    showNormals = other.showNormals;
+    ignoreBack = other.ignoreBack;
 }

@@ -116,10 +116,11 @@ void cskin::Delete() {
 }
 
 void cskin::CopySkin(const cskin& other) {
-    SetMesh(other);
-    SetMeshMaterial(other.GetMaterial(), 0);
-    ShowNormals(other.GetShowNormalsFlag());
-    IgnoreBack(other.GetIgnoreBackFlag());
+    CopyMeshContent(other);
+    CopyBones(other);
+}
+
+void cskin::CopyBones(const cskin& other) {
     bones = other.bones;
     skinBind = other.skinBind;
     skinVerts = other.skinVerts;
@@ -128,7 +129,8 @@ void cskin::CopySkin(const cskin& other) {
 
 void cskin::Clone(int time, cnode& target) const {
     cmesh::Clone(time, target);
-    if (auto* skin = dynamic_cast<cskin*>(&target)) *skin = *this;
+    auto* skin = dynamic_cast<cskin*>(&target);
+    if (skin && skin != this) skin->CopyBones(*this);
 }
 
 void cskin::UpdateTimeIdle() {
