@@ -11,23 +11,70 @@
 #include <string_view>
 #include <vector>
 
+#include "cbitarray.h"
 #include "cnode.h"
-#include "runtime/flatmap.h"
+#include "runtime/nameindex.h"
 
 struct LoadingNodes {
-    explicit LoadingNodes(size_t expected = 0) : byName(expected) { nodes.reserve(expected); }
+    explicit LoadingNodes(size_t expected = 0) : names(expected) { nodes.reserve(expected); }
 
     std::vector<cnode*> nodes;  // in load order
-    // The first loaded node of each name, as MainScene.FindNode finds the first bearer. The
-    // keys view the nodes' own name buffers, which stay put while the nodes live.
-    FlatMap<std::string_view, cnode*> byName;
 
     // Appends a node whose record has been read completely.
     void Add(cnode* node) {
+        const int entry = static_cast<int>(nodes.size());
         nodes.push_back(node);
-        byName.Insert(node->GetName(), node);
+        const int first = names.Add(node->GetName());
+        if (first != entry) AddNamesake(first, entry);
     }
 
+    // The first loaded node bearing `name`, as MainScene.FindNode finds the first; or null.
+    cnode* Find(std::string_view name) const {
+        const int entry = names.Find(name);
+        return entry < 0 ? nullptr : nodes[static_cast<size_t>(entry)];
+    }
+
+    // The load positions of the nodes in the order of `tableName(0)` ... `tableName(count -
+    // 1)`: each name claims the earliest loaded node of that name not yet claimed. Answers
+    // false when some name finds no unclaimed node.
+    template <class TableName>
+    bool TableOrder(int count, TableName tableName, cbitarray& order) const {
+        order.SetSize(count, 0);
+        // Per first bearer, the next of its namesakes to claim (-1: all are claimed).
+        std::vector<int> unclaimed(nodes.size());
+        for (size_t i = 0; i < nodes.size(); ++i) unclaimed[i] = static_cast<int>(i);
+        for (int k = 0; k < count; ++k) {
+            const int first = names.Find(tableName(k));
+            if (first < 0) return false;
+            int& next = unclaimed[static_cast<size_t>(first)];
+            if (next < 0) return false;
+            order.Set(k, next);
+            next = NextNamesake(next);
+        }
+        return true;
+    }
+
+private:
+    // Entry i is the name nodes[i] bore when it was added.
+    NameIndex names;
+    // Each node's next loaded namesake, and per first bearer its last one (-1: none). They
+    // grow only as far as the last node whose name repeats an earlier one.
+    std::vector<int> nextNamesake, lastNamesake;
+
+    int NextNamesake(int entry) const {
+        const auto at = static_cast<size_t>(entry);
+        return at < nextNamesake.size() ? nextNamesake[at] : -1;
+    }
+
+    void AddNamesake(int first, int entry) {
+        nextNamesake.resize(nodes.size(), -1);
+        lastNamesake.resize(nodes.size(), -1);
+        int& last = lastNamesake[static_cast<size_t>(first)];
+        nextNamesake[static_cast<size_t>(last < 0 ? first : last)] = entry;
+        last = entry;
+    }
+
+public:
     // A link (a light's or camera's target, a skin's bone) to a node whose record comes
     // later in the file. `link` receives the node of that name once every record is read, or
     // null when none bears it.
@@ -43,8 +90,8 @@ struct LoadingNodes {
     // link (null instead), in the order the links were made.
     void ResolvePendingLinks() const {
         for (const PendingLink& pending : pendingLinks) {
-            cnode* const* found = byName.Find(pending.name);
-            pending.link(found && *found != pending.self ? *found : nullptr);
+            cnode* found = Find(pending.name);
+            pending.link(found != pending.self ? found : nullptr);
         }
         pendingLinks.clear();
     }

@@ -77,8 +77,7 @@ cnode* NodeList::FindNode(char const* name) {
     const LoadingNodes* loading = Loading();
     if (!loading) return MainScene.FindNode(name);
     if (!name) return nullptr;
-    cnode* const* found = loading->byName.Find(name);
-    return found ? *found : nullptr;
+    return loading->Find(name);
 }
 
 int NodeList::Find(cnode* node) {

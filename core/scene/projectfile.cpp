@@ -338,6 +338,15 @@ public:
 
     void Add(cnode* node) { loading.Add(node); }
     void ResolvePendingLinks() { loading.ResolvePendingLinks(); }
+    // Records come parents first; the scene takes the table's order back. Each table name
+    // claims the earliest loaded node of that name not yet claimed, so repeated names pair up
+    // too. `order` receives the load position of each table entry.
+    bool TableOrder(unsigned long version, cbitarray& order) const {
+        return loading.TableOrder(
+            NodeList::NumNodes(),
+            [version](int k) { return RecordName(NodeList::GetNameAt(k), version); }, order);
+    }
+    // Hands every node to the empty MainScene, in load order.
     int HandOver() {
         SetLoadingNodes(nullptr);
         return owner.HandOver([](cnode** nodes, int n) { MainScene.AddNodeArray(nodes, n, 1); },
@@ -443,32 +452,9 @@ int LoadNodes(Loading& loading) {
     if (loading.in.GetPosition() != section.End()) return 0;
     // Targets saved after the lights and cameras that aim at them.
     loading.nodes.ResolvePendingLinks();
-    return loading.nodes.HandOver();
-}
-
-// Records come parents first; the scene takes the table's order back. Each table name claims
-// the earliest loaded node of that name not yet claimed, so repeated names pair up too.
-int PutNodesInTableOrder(unsigned long version) {
-    const int count = MainScene.NumNodes();
-    // Per name the earliest unclaimed node; `later` chains each node to the next of its name.
-    // The keys view the nodes' own names.
-    FlatMap<std::string_view, int> earliest(static_cast<size_t>(count));
-    std::vector<int> later(static_cast<size_t>(count), -1);
-    for (int i = count - 1; i >= 0; --i) {
-        const auto placed = earliest.Insert(MainScene.GetNodeAt(i)->GetName(), i);
-        if (!placed.second) {
-            later[static_cast<size_t>(i)] = *placed.first;
-            *placed.first = i;
-        }
-    }
-    cbitarray order(count);
-    for (int k = 0; k < count; ++k) {
-        int* found = earliest.Find(RecordName(NodeList::GetNameAt(k), version));
-        if (!found || *found < 0) return 0;
-        order.Set(k, *found);
-        *found = later[static_cast<size_t>(*found)];
-    }
-    return MainScene.SetNodeOrder(order);
+    cbitarray order;
+    return loading.nodes.TableOrder(loading.header.version, order) && loading.nodes.HandOver() &&
+           MainScene.SetNodeOrder(order);
 }
 
 void ApplyClock(const Header& header) {
@@ -528,8 +514,7 @@ int LoadProject(char const* path) {
     // After the transaction, so that nodes never handed over die while the materials they may
     // refer to still live.
     Loading loading(in, header);
-    if (!LoadMaterials(loading) || !LoadNodes(loading) || !PutNodesInTableOrder(header.version))
-        return 0;
+    if (!LoadMaterials(loading) || !LoadNodes(loading)) return 0;
     transaction.Commit();
     ApplySettings(settings, MainScene);
     ApplyClock(header);
