@@ -6,11 +6,12 @@
 #include "anim/keyarray.h"
 #include "ciofields.h"
 #include "corearray.h"
+#include "io/fieldcodec.h"
 #include "runtime/check.h"
 
 namespace {
 
-constexpr unsigned long kKeyRecordBytes = 44;
+constexpr unsigned int kKeyRecordBytes = 44;
 
 float Lerp(float previous, float next, double u) {
     return static_cast<float>(previous + (static_cast<double>(next) - previous) * u);
@@ -31,13 +32,15 @@ void Blend(const ckey& previous, const ckey& next, int t, ckey& key) {
 }
 
 int WriteKey(cio_save& out, const ckey& key) {
-    return WriteInt32(out, key.time) && WritePoint3(out, key.position) &&
-           WriteQuat(out, Normalize(key.rotation)) && WritePoint3(out, key.scale);
+    return WritePiece(out, kKeyRecordBytes, [&key](FieldEncoder field) {
+        field(key.time)(key.position)(Normalize(key.rotation))(key.scale);
+    });
 }
 
 int ReadKey(cio_load& in, ckey& key) {
-    if (!ReadInt32(in, key.time) || !ReadPoint3(in, key.position) || !ReadQuat(in, key.rotation) ||
-        !ReadPoint3(in, key.scale))
+    if (!ReadPiece(in, kKeyRecordBytes, [&key](FieldDecoder field) {
+            field(key.time)(key.position)(key.rotation)(key.scale);
+        }))
         return 0;
     key.rotation.Normalize();
     return 1;

@@ -14,6 +14,7 @@
 
 #include "ciofields.h"
 #include "corearray.h"
+#include "io/fieldcodec.h"
 
 namespace keyarray {
 
@@ -224,12 +225,16 @@ struct TrackHead {
     int last = 0;
 };
 
+constexpr unsigned int kHeadBytes = 12;
+
 inline int ReadHead(cio_load& in, TrackHead& head) {
-    return ReadInt32(in, head.count) && ReadInt32(in, head.first) && ReadInt32(in, head.last);
+    return ReadPiece(in, kHeadBytes,
+                     [&head](FieldDecoder field) { field(head.count)(head.first)(head.last); });
 }
 
 inline int WriteHead(cio_save& out, const TrackHead& head) {
-    return WriteInt32(out, head.count) && WriteInt32(out, head.first) && WriteInt32(out, head.last);
+    return WritePiece(out, kHeadBytes,
+                      [&head](FieldEncoder field) { field(head.count)(head.first)(head.last); });
 }
 
 // Reads a track record into the freed store: the head, then `head.count` keys through

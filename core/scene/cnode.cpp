@@ -10,8 +10,10 @@
 #include "corearray.h"
 #include "corerandom.h"
 #include "ik.h"
+#include "io/fieldcodec.h"
 #include "mtllist.h"
 #include "nodelist.h"
+#include "projectheader.h"
 #include "runtime/check.h"
 #include "runtime/namefield.h"
 #include "runtime/notestext.h"
@@ -30,6 +32,19 @@ constexpr int IK_DEFAULT_RECURSE = 2;
 constexpr int IK_MAX_RECURSE = 1000;
 
 const cpoint3 UNIT_SCALE(1.0f, 1.0f, 1.0f);
+
+// The record opens with the head (type and sub-type, then the node's, parent's and material's
+// names) and goes on with the body, whose fixed fields end with the notes length. Each moves
+// through the stream as one piece.
+unsigned int RecordHeadBytes(unsigned long version) {
+    return 8 + 3 * NameFieldSize(version);
+}
+
+unsigned int RecordBodyBytes(unsigned long version) {
+    constexpr unsigned int kBase = 96, kIK = 64, kSeeThrough = 4, kNotesLength = 4;
+    return kBase + (version >= IK_VERSION ? kIK : 0) +
+           (version >= SEE_THROUGH_VERSION ? kSeeThrough : 0) + kNotesLength;
+}
 
 static_assert(NODE_NAME_SIZE == NAME_FIELD_BYTES, "node names use the shared name field");
 
@@ -73,23 +88,6 @@ void SetKeyFromMatrix(ckey& key, const cmatrix4& m) {
     key.rotation = Normalize(QuatFromMatrix(RemoveScaling(m)));
     key.position = m.GetTrans();
 }
-
-// Reads record fields in order until one fails; `ok` then stays 0.
-struct FieldReader {
-    cio_load& in;
-    int ok = 1;
-
-    template <class T>
-    FieldReader& operator()(int (*read)(cio_load&, T&), T& value) {
-        if (ok) ok = read(in, value);
-        return *this;
-    }
-    FieldReader& Name(char (&field)[NODE_NAME_SIZE], unsigned long version) {
-        std::memset(field, 0, NODE_NAME_SIZE);
-        if (ok) ok = ReadName(in, field, NameFieldSize(version));
-        return *this;
-    }
-};
 
 // True when `node` is `ancestor` or lies below it.
 bool IsWithin(const cnode* node, const cnode* ancestor) {
@@ -620,46 +618,36 @@ int cnode::GetSeeThroughFlag() const {
 
 int cnode::Save(cio_save& out) const {
     const cmaterial* material = GetMaterial();
-    WriteUInt32(out, typeID);
-    WriteUInt32(out, subTypeID);
-    WriteName(out, name, NAME_FIELD_SIZE);
-    WriteName(out, parent ? parent->GetName() : nullptr, NAME_FIELD_SIZE);
-    WriteName(out, material ? material->GetName() : nullptr, NAME_FIELD_SIZE);
-    WriteUInt32(out, flags & ~static_cast<std::uint32_t>(FLAG_SELECTED | FLAG_DELETED));
-    WriteInt32(out, 0);
-    WriteColor(out, color);
-    WritePoint3(out, bbMin);
-    WritePoint3(out, bbMax);
-    WritePoint3(out, position);
-    WriteQuat(out, Normalize(rotation));
-    WritePoint3(out, scale);
-    WriteInt32(out, castShadow);
-    WriteInt32(out, receiveShadow);
-    WriteInt32(out, ikDOF);
-    WriteInt32(out, ikDamping);
-    WriteInt32(out, ikLocked);
-    WriteFloat(out, ikDampWidth);
-    WritePoint3(out, ikMinRot);
-    WritePoint3(out, ikMaxRot);
-    WriteQuat(out, ikInitialRot);
-    WriteInt32(out, ikNumIterations);
-    WriteInt32(out, ikRecurseNum);
-    WriteInt32(out, seeThrough);
     const int length = NotesSize();
-    WriteInt32(out, length);
-    if (length > 0) out.Write(notes, static_cast<unsigned int>(length));
-    return anim.Save(out);
+    const auto savedFlags = flags & ~static_cast<std::uint32_t>(FLAG_SELECTED | FLAG_DELETED);
+    const int head = WritePiece(out, RecordHeadBytes(PROJECT_MAX_VERSION), [&](FieldEncoder field) {
+        field(typeID)(subTypeID).Name(name, NAME_FIELD_SIZE);
+        field.Name(parent ? parent->GetName() : nullptr, NAME_FIELD_SIZE);
+        field.Name(material ? material->GetName() : nullptr, NAME_FIELD_SIZE);
+    });
+    const int body = WritePiece(out, RecordBodyBytes(PROJECT_MAX_VERSION), [&](FieldEncoder field) {
+        // The sub-object level is not kept: a loaded node starts at the object level.
+        field(savedFlags)(0)(color)(bbMin)(bbMax)(position)(Normalize(rotation))(scale);
+        field(castShadow)(receiveShadow);
+        field(ikDOF)(ikDamping)(ikLocked)(ikDampWidth)(ikMinRot)(ikMaxRot)(ikInitialRot);
+        field(ikNumIterations)(ikRecurseNum)(seeThrough)(length);
+    });
+    const int text = length <= 0 || out.Write(notes, static_cast<unsigned int>(length));
+    return head && body && text && anim.Save(out);
 }
 
 int cnode::Load(cio_load& in, unsigned long version) {
     std::uint32_t recordType = 0;
-    char read[NODE_NAME_SIZE], parentName[NODE_NAME_SIZE], materialName[NODE_NAME_SIZE];
-    FieldReader field{in};
+    char read[NODE_NAME_SIZE] = {}, parentName[NODE_NAME_SIZE] = {},
+         materialName[NODE_NAME_SIZE] = {};
+    const unsigned int nameSize = NameFieldSize(version);
     // The constructing class fixes the type id; the record's copy only tells the host which
     // class to construct.
-    field(ReadUInt32, recordType)(ReadUInt32, subTypeID);
-    field.Name(read, version).Name(parentName, version).Name(materialName, version);
-    if (!field.ok) return 0;
+    if (!ReadPiece(in, RecordHeadBytes(version), [&](FieldDecoder field) {
+            field(recordType)(subTypeID).Name(read, nameSize).Name(parentName, nameSize);
+            field.Name(materialName, nameSize);
+        }))
+        return 0;
     StoreName(name, read);
     if (parentName[0]) {
         cnode* found = NodeList::FindNode(parentName);
@@ -671,22 +659,24 @@ int cnode::Load(cio_load& in, unsigned long version) {
     }
     if (materialName[0]) SetMaterial(MtlList::FindMaterial(materialName));
 
-    field(ReadUInt32, flags)(ReadInt32, subLevel)(ReadColor, color);
-    field(ReadPoint3, bbMin)(ReadPoint3, bbMax);
-    field(ReadPoint3, position)(ReadQuat, rotation)(ReadPoint3, scale);
-    field(ReadInt32, castShadow)(ReadInt32, receiveShadow);
+    int length = 0;
+    if (!ReadPiece(in, RecordBodyBytes(version), [&](FieldDecoder field) {
+            field(flags)(subLevel)(color)(bbMin)(bbMax)(position)(rotation)(scale);
+            field(castShadow)(receiveShadow);
+            if (version >= IK_VERSION) {
+                field(ikDOF)(ikDamping)(ikLocked)(ikDampWidth)(ikMinRot)(ikMaxRot);
+                field(ikInitialRot)(ikNumIterations)(ikRecurseNum);
+            }
+            if (version >= SEE_THROUGH_VERSION) field(seeThrough);
+            field(length);
+        }))
+        return 0;
     if (version >= IK_VERSION) {
-        field(ReadInt32, ikDOF)(ReadInt32, ikDamping)(ReadInt32, ikLocked);
-        field(ReadFloat, ikDampWidth)(ReadPoint3, ikMinRot)(ReadPoint3, ikMaxRot);
-        field(ReadQuat, ikInitialRot)(ReadInt32, ikNumIterations)(ReadInt32, ikRecurseNum);
         SetIKNumIterations(ikNumIterations);
         SetIKRecurseNum(ikRecurseNum);
     }
-    if (version >= SEE_THROUGH_VERSION) field(ReadInt32, seeThrough);
-    int length = 0;
-    field(ReadInt32, length);
     // Most nodes have no notes; asking the stream what it holds costs a call to the file system.
-    if (!field.ok || (length != 0 && !StreamHolds(in, length, 1))) return 0;
+    if (length != 0 && !StreamHolds(in, length, 1)) return 0;
     if (length > 0) {
         ClearNotes();
         notes = NewNotesBuffer(length, "notes", ReportCheck);
