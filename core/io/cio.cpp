@@ -134,6 +134,18 @@ int cio_load::Read(void* buffer, unsigned int bytes) {
     return blockNext == rest ? 1 : 0;
 }
 
+bool CioBlock::Gather(cio_load& in, unsigned int bytes) {
+    if (!in.block || bytes > kBlockSize) return false;
+    // The file stands at the block's end, which moving the bytes does not change.
+    const unsigned int ready = in.blockUsed - in.blockNext;
+    std::memmove(in.block, in.block + in.blockNext, ready);
+    in.blockStart += static_cast<long>(in.blockNext);
+    in.blockNext = 0;
+    in.blockUsed = ready + static_cast<unsigned int>(
+                               std::fread(in.block + ready, 1, kBlockSize - ready, in.file));
+    return bytes <= in.blockUsed;
+}
+
 int cio_load::Skip(unsigned int bytes) {
     if (!file) return 0;
     const unsigned long step = std::min<unsigned long>(bytes, BytesLeft());

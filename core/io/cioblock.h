@@ -9,13 +9,19 @@
 #include "cio.h"
 
 struct CioBlock {
-    // The next `bytes` bytes of `in`, consumed, when its block holds them all; else null and
-    // nothing is consumed.
+    // The next `bytes` bytes of `in`, consumed, in its block; null, consuming nothing, when
+    // the file ends first, the stream has no block or `bytes` exceeds the block's size.
     static const unsigned char* Take(cio_load& in, unsigned int bytes) {
-        if (!in.file || bytes > in.blockUsed - in.blockNext) return nullptr;
-        const char* at = in.block + in.blockNext;
-        in.blockNext += bytes;
-        return reinterpret_cast<const unsigned char*>(at);
+        const unsigned char* at = Peek(in, bytes);
+        if (at) in.blockNext += bytes;
+        return at;
+    }
+
+    // The next `bytes` bytes of `in` in its block, not consumed, or null as for Take.
+    static const unsigned char* Peek(cio_load& in, unsigned int bytes) {
+        if (!in.file) return nullptr;
+        if (bytes > in.blockUsed - in.blockNext && !Gather(in, bytes)) return nullptr;
+        return reinterpret_cast<const unsigned char*>(in.block + in.blockNext);
     }
 
     // Room for `bytes` bytes at the end of `out`'s block, counted as written, when the block
@@ -26,6 +32,11 @@ struct CioBlock {
         out.blockUsed += bytes;
         return reinterpret_cast<unsigned char*>(at);
     }
+
+    // Moves the block's unread bytes to its front and fills the rest from the file, so that a
+    // run of fields which straddled the block's end now lies in it. Returns whether the block
+    // then holds `bytes` unread bytes.
+    static bool Gather(cio_load& in, unsigned int bytes);
 
     // The block's capacity in bytes.
     static constexpr unsigned int kSize = 64 * 1024;

@@ -96,6 +96,12 @@ struct FieldDecoder {
         return *this;
     }
 
+    // Passes over `bytes` bytes of fields that are not wanted.
+    FieldDecoder& Skip(unsigned int bytes) {
+        at += bytes;
+        return *this;
+    }
+
 private:
     template <unsigned Width, class T>
     FieldDecoder& Unsigned(T& value) {

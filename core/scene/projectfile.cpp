@@ -27,6 +27,8 @@
 #include "cpoint.h"
 #include "cscene.h"
 #include "cskin.h"
+#include "io/cioblock.h"
+#include "io/fieldcodec.h"
 #include "mtllist.h"
 #include "nodelist.h"
 #include "runtime/flatmap.h"
@@ -264,20 +266,23 @@ cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t su
     }
 }
 
-// The start of every node record (the base record): type, sub-type, name, parent name.
-struct RecordHead {
+// A node record's framing words (type and sub-type), and from the start of the record they
+// frame its own copy of them and its parent's name.
+struct RecordFrame {
     std::uint32_t type = 0, subType = 0;
-    char name[NAME_FIELD_SIZE] = {};
+    std::uint32_t recordType = 0, recordSubType = 0;
     char parent[NAME_FIELD_SIZE] = {};
 };
 
-// Reads the head of the record at the stream's position without consuming it.
-int PeekRecordHead(cio_load& in, unsigned long version, RecordHead& head) {
-    const long at = in.GetPosition();
+// Reads the framing words and looks at the start of the record without consuming it.
+int ReadRecordFrame(cio_load& in, unsigned long version, RecordFrame& frame) {
     const unsigned int nameSize = NameFieldSize(version);
-    const int ok = ReadUInt32(in, head.type) && ReadUInt32(in, head.subType) &&
-                   ReadName(in, head.name, nameSize) && ReadName(in, head.parent, nameSize);
-    return in.SetPosition(at, 0) == 0 && ok;
+    const unsigned char* at = CioBlock::Peek(in, 16 + 2 * nameSize);
+    if (!at) return 0;
+    FieldDecoder field{at};
+    field(frame.type)(frame.subType)(frame.recordType)(frame.recordSubType);
+    field.Skip(nameSize).Name(frame.parent, nameSize);
+    return CioBlock::Take(in, 8) != nullptr;
 }
 
 // ---- Loading ----
@@ -423,18 +428,16 @@ int LoadMaterials(Loading& loading) {
 // parent through NodeList.
 int LoadNodeRecord(Loading& loading) {
     cio_load& in = loading.in;
-    std::uint32_t type = 0, subType = 0;
-    RecordHead head;
-    if (!ReadUInt32(in, type) || !ReadUInt32(in, subType) ||
-        !PeekRecordHead(in, loading.header.version, head))
+    RecordFrame frame;
+    if (!ReadRecordFrame(in, loading.header.version, frame) || frame.recordType != frame.type ||
+        frame.recordSubType != frame.subType)
         return 0;
-    if (head.type != type || head.subType != subType) return 0;
     // Parents are written first: a parent that the table names but no earlier record gave is
     // a later record, which only a damaged file or a parent cycle produces. A parent the
     // table does not name is left unresolved, and the node stays a root.
-    if (head.parent[0] && !NodeList::FindNode(head.parent) && loading.TableHolds(head.parent))
+    if (frame.parent[0] && !NodeList::FindNode(frame.parent) && loading.TableHolds(frame.parent))
         return 0;
-    cnode* node = CreateNodeForRecord(type, subType);
+    cnode* node = CreateNodeForRecord(frame.type, frame.subType);
     if (!node) return 0;
     if (!node->Load(in, loading.header.version)) {
         node->Delete();
