@@ -55,11 +55,11 @@ inline int SignedFromBits(Bits bits) {
     return -static_cast<int>(~bits) - 1;
 }
 
-// The length of `s`, counting at most `limit` characters.
+// The length of `s`, counting at most `limit` characters (memchr stops at the terminator, so
+// a short name in a small buffer is not read past).
 inline std::size_t BoundedLength(char const* s, std::size_t limit) {
-    std::size_t length = 0;
-    while (length < limit && s[length] != '\0') ++length;
-    return length;
+    const void* end = std::memchr(s, '\0', limit);
+    return end ? static_cast<std::size_t>(static_cast<char const*>(end) - s) : limit;
 }
 
 }  // namespace fieldcodec

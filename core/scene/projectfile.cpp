@@ -266,6 +266,13 @@ cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t su
     }
 }
 
+// Whether a node of `type` is posed again once every node is loaded. A node's Load poses it
+// at the current time as its base record ends; lights, cameras and skins go on to read what
+// their UpdateTimeIdle also uses (keyed parameters, bones), so they are posed once more.
+bool PosedAfterLoading(std::uint32_t type) {
+    return type == TYPE_LIGHT || type == TYPE_CAMERA || type == TYPE_SKIN;
+}
+
 // A node record's framing words (type and sub-type), and from the start of the record they
 // frame its own copy of them and its parent's name.
 struct RecordFrame {
@@ -341,8 +348,13 @@ public:
     PendingNodes(const PendingNodes&) = delete;
     PendingNodes& operator=(const PendingNodes&) = delete;
 
-    void Add(cnode* node) { loading.Add(node); }
+    void Add(cnode* node, bool posedAgain) {
+        loading.Add(node);
+        poseAgain.push_back(posedAgain);
+    }
     void ResolvePendingLinks() { loading.ResolvePendingLinks(); }
+    // Whether the node at load position `i` poses itself again once every node is loaded.
+    bool PosedAgain(int i) const { return poseAgain[static_cast<size_t>(i)]; }
     // Records come parents first; the scene takes the table's order back. Each table name
     // claims the earliest loaded node of that name not yet claimed, so repeated names pair up
     // too. `order` receives the load position of each table entry.
@@ -362,6 +374,7 @@ public:
 private:
     LoadingNodes loading;
     Pending<cnode> owner{loading.nodes};
+    std::vector<bool> poseAgain;
 };
 
 // Views into NodeList's table, which stays loaded while the records are read.
@@ -443,7 +456,7 @@ int LoadNodeRecord(Loading& loading) {
         node->Delete();
         return 0;
     }
-    loading.nodes.Add(node);
+    loading.nodes.Add(node, PosedAfterLoading(frame.type));
     return in.GetPosition() <= loading.header.nodes.End();
 }
 
@@ -456,18 +469,34 @@ int LoadNodes(Loading& loading) {
     // Targets saved after the lights and cameras that aim at them.
     loading.nodes.ResolvePendingLinks();
     cbitarray order;
-    return loading.nodes.TableOrder(loading.header.version, order) && loading.nodes.HandOver() &&
-           MainScene.SetNodeOrder(order);
+    if (!loading.nodes.TableOrder(loading.header.version, order) || !loading.nodes.HandOver() ||
+        !MainScene.SetNodeOrder(order))
+        return 0;
+    // In scene order, as a change of the clock's time poses them.
+    for (int k = 0; k < MainScene.NumNodes(); ++k)
+        if (loading.nodes.PosedAgain(order[k])) MainScene.GetNodeAt(k)->UpdateTimeIdle();
+    return 1;
 }
 
-void ApplyClock(const Header& header) {
-    SetAnimTPF(Signed(header.animTPF));
-    // The start first goes to 0 so that no old value clamps the new end.
-    SetAnimStart(0);
-    SetAnimEnd(Signed(header.animEnd));
-    SetAnimStart(Signed(header.animStart));
-    SetAnimTime(Signed(header.animTime));
-}
+// The animation clock's settings.
+struct Clock {
+    int ticksPerFrame, start, end, time;
+
+    static Clock Current() { return {GetAnimTPF(), GetAnimStart(), GetAnimEnd(), GetAnimTime()}; }
+    static Clock Of(const Header& header) {
+        return {Signed(header.animTPF), Signed(header.animStart), Signed(header.animEnd),
+                Signed(header.animTime)};
+    }
+
+    void Apply() const {
+        SetAnimTPF(ticksPerFrame);
+        // The start first goes to 0 so that no old value clamps the new end.
+        SetAnimStart(0);
+        SetAnimEnd(end);
+        SetAnimStart(start);
+        SetAnimTime(time);
+    }
+};
 
 // The file's name tables, held by NodeList and MtlList while its records are read.
 class NameTables {
@@ -485,13 +514,20 @@ public:
 };
 
 // While alive, MainScene holds only what is being loaded and its old nodes and materials wait
-// in `aside`. Unless committed, the destructor swaps them back and the partly loaded ones die
-// with `aside`; once committed, the old ones die with it instead.
+// in `aside`, and the clock runs as the file sets it, so that each node poses itself as it
+// loads. Unless committed, the destructor puts the old clock back and swaps the old scene back,
+// and the partly loaded ones die with `aside`; once committed, the old ones die with it instead.
 class SceneTransaction {
 public:
-    SceneTransaction() { MainScene.SwapNodesAndMaterials(aside); }
+    explicit SceneTransaction(const Clock& clock) {
+        MainScene.SwapNodesAndMaterials(aside);
+        clock.Apply();
+    }
     ~SceneTransaction() {
-        if (!committed) MainScene.SwapNodesAndMaterials(aside);
+        if (!committed) {
+            oldClock.Apply();
+            MainScene.SwapNodesAndMaterials(aside);
+        }
         // Whichever scene dies here, its nodes go before its materials: a node about to be
         // destroyed needs no word of each material's deletion.
         aside.ClearNodes();
@@ -502,6 +538,7 @@ public:
     void Commit() { committed = true; }
 
 private:
+    const Clock oldClock = Clock::Current();
     cscene aside;
     bool committed = false;
 };
@@ -513,15 +550,13 @@ int LoadProject(char const* path) {
     const NameTables tables(in);
     SceneSettings settings;
     if (!tables.ok || !ReadSettings(in, header.settings, settings)) return 0;
-    SceneTransaction transaction;
+    SceneTransaction transaction(Clock::Of(header));
     // After the transaction, so that nodes never handed over die while the materials they may
     // refer to still live.
     Loading loading(in, header);
     if (!LoadMaterials(loading) || !LoadNodes(loading)) return 0;
     transaction.Commit();
     ApplySettings(settings, MainScene);
-    ApplyClock(header);
-    MainScene.UpdateNodesAtAnimTimeChange();
     MainScene.UpdateMiscAtAnimTimeChange();
     return 1;
 }
