@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 #include "ccolor.h"
 #include "cio.h"
@@ -84,9 +85,9 @@ struct FieldDecoder {
         at += 4;
         return *this;
     }
-    FieldDecoder& operator()(cpoint3& p) { return (*this)(p.x)(p.y)(p.z); }
-    FieldDecoder& operator()(cquat& q) { return (*this)(q.x)(q.y)(q.z)(q.w); }
-    FieldDecoder& operator()(ccolor& c) { return (*this)(c.r)(c.g)(c.b)(c.a); }
+    FieldDecoder& operator()(cpoint3& p) { return Floats(p, p.x, p.y, p.z); }
+    FieldDecoder& operator()(cquat& q) { return Floats(q, q.x, q.y, q.z, q.w); }
+    FieldDecoder& operator()(ccolor& c) { return Floats(c, c.r, c.g, c.b, c.a); }
     // A name field of `size` (> 0) bytes into `name`, which has room for `size` bytes and is
     // always terminated: a field without a terminator keeps its first size - 1 characters.
     FieldDecoder& Name(char* name, unsigned int size) {
@@ -96,13 +97,21 @@ struct FieldDecoder {
         return *this;
     }
 
-    // Passes over `bytes` bytes of fields that are not wanted.
-    FieldDecoder& Skip(unsigned int bytes) {
-        at += bytes;
+private:
+    // A run of floats that are the whole of `value`: on a little-endian machine copied in one
+    // piece, so that the next read of the whole value is served straight from that store.
+    // The members, in declaration order, are then the fields in file order.
+    template <class T, class... F>
+    FieldDecoder& Floats(T& value, F&... floats) {
+        if constexpr (fieldcodec::kLittleEndian && std::is_trivially_copyable_v<T> &&
+                      std::is_standard_layout_v<T> && sizeof(T) == sizeof(float) * sizeof...(F)) {
+            std::memcpy(&value, at, sizeof value);
+            at += sizeof value;
+        } else {
+            ((*this)(floats), ...);
+        }
         return *this;
     }
-
-private:
     template <unsigned Width, class T>
     FieldDecoder& Unsigned(T& value) {
         value = static_cast<T>(fieldcodec::Decode<Width>(at));

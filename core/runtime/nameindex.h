@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+#include "runtime/prefetch.h"
+
 class NameIndex {
 public:
     // `expected` names fit without growing.
@@ -39,11 +41,21 @@ public:
         return entry;
     }
 
-    // The first entry bearing `name`, or -1.
-    int Find(std::string_view name) const {
-        const std::uint64_t slot = const_cast<NameIndex*>(this)->SlotFor(name, Hash(name));
+    // The hash that Prefetch and Find take, for a caller that looks ahead.
+    static std::uint64_t Hash(std::string_view name) { return std::hash<std::string_view>{}(name); }
+
+    // Starts bringing in the slot where the name of `hash` would be added or found, so that an
+    // Add or Find of it a little later does not wait for memory.
+    void Prefetch(std::uint64_t hash) const {
+        ::PrefetchForWrite(&slots[static_cast<size_t>(hash) & (slots.size() - 1)]);
+    }
+
+    // The first entry bearing `name` (whose hash is `hash`), or -1.
+    int Find(std::string_view name, std::uint64_t hash) const {
+        const std::uint64_t slot = const_cast<NameIndex*>(this)->SlotFor(name, hash);
         return slot != 0 ? Entry(slot) : -1;
     }
+    int Find(std::string_view name) const { return Find(name, Hash(name)); }
 
     int Count() const { return static_cast<int>(starts.size()) - 1; }
 
@@ -60,7 +72,6 @@ private:
         while (capacity < 2 * count) capacity *= 2;
         return capacity;
     }
-    static std::uint64_t Hash(std::string_view name) { return std::hash<std::string_view>{}(name); }
     // The high half of a slot: hash bits that the slot's position does not already fix.
     static std::uint64_t Tag(std::uint64_t hash) { return hash & ~kEntryMask; }
     static int Entry(std::uint64_t slot) { return static_cast<int>((slot & kEntryMask) - 1); }

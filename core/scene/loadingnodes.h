@@ -28,6 +28,10 @@ struct LoadingNodes {
         if (first != entry) AddNamesake(first, entry);
     }
 
+    // Prepares for a node named `name` to be added or looked for soon (see
+    // NameIndex::Prefetch).
+    void Expect(std::string_view name) const { names.Prefetch(NameIndex::Hash(name)); }
+
     // The first loaded node bearing `name`, as MainScene.FindNode finds the first; or null.
     cnode* Find(std::string_view name) const {
         const int entry = names.Find(name);
@@ -43,8 +47,18 @@ struct LoadingNodes {
         // Per first bearer, the next of its namesakes to claim (-1: all are claimed).
         std::vector<int> unclaimed(nodes.size());
         for (size_t i = 0; i < nodes.size(); ++i) unclaimed[i] = static_cast<int>(i);
+        // The names are looked up kAhead places after their slots are asked for.
+        constexpr int kAhead = 8;
+        std::uint64_t hashes[kAhead];
+        const auto ask = [&](int k) {
+            if (k >= count) return;
+            hashes[k % kAhead] = NameIndex::Hash(tableName(k));
+            names.Prefetch(hashes[k % kAhead]);
+        };
+        for (int k = 0; k < kAhead; ++k) ask(k);
         for (int k = 0; k < count; ++k) {
-            const int first = names.Find(tableName(k));
+            const int first = names.Find(tableName(k), hashes[k % kAhead]);
+            ask(k + kAhead);
             if (first < 0) return false;
             int& next = unclaimed[static_cast<size_t>(first)];
             if (next < 0) return false;

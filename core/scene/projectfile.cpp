@@ -274,10 +274,11 @@ bool PosedAfterLoading(std::uint32_t type) {
 }
 
 // A node record's framing words (type and sub-type), and from the start of the record they
-// frame its own copy of them and its parent's name.
+// frame its own copy of them, the node's name and its parent's name.
 struct RecordFrame {
     std::uint32_t type = 0, subType = 0;
     std::uint32_t recordType = 0, recordSubType = 0;
+    char name[NAME_FIELD_SIZE] = {};
     char parent[NAME_FIELD_SIZE] = {};
 };
 
@@ -288,7 +289,7 @@ int ReadRecordFrame(cio_load& in, unsigned long version, RecordFrame& frame) {
     if (!at) return 0;
     FieldDecoder field{at};
     field(frame.type)(frame.subType)(frame.recordType)(frame.recordSubType);
-    field.Skip(nameSize).Name(frame.parent, nameSize);
+    field.Name(frame.name, nameSize).Name(frame.parent, nameSize);
     return CioBlock::Take(in, 8) != nullptr;
 }
 
@@ -348,6 +349,7 @@ public:
     PendingNodes(const PendingNodes&) = delete;
     PendingNodes& operator=(const PendingNodes&) = delete;
 
+    void Expect(std::string_view name) const { loading.Expect(name); }
     void Add(cnode* node, bool posedAgain) {
         loading.Add(node);
         poseAgain.push_back(posedAgain);
@@ -445,14 +447,18 @@ int LoadNodeRecord(Loading& loading) {
     if (!ReadRecordFrame(in, loading.header.version, frame) || frame.recordType != frame.type ||
         frame.recordSubType != frame.subType)
         return 0;
+    // The node joins the loaded nodes once its record is read, and its parent is looked up
+    // after the node is made: both waits for memory hide behind that work.
+    loading.nodes.Expect(frame.name);
+    if (frame.parent[0]) loading.nodes.Expect(frame.parent);
+    cnode* node = CreateNodeForRecord(frame.type, frame.subType);
+    if (!node) return 0;
     // Parents are written first: a parent that the table names but no earlier record gave is
     // a later record, which only a damaged file or a parent cycle produces. A parent the
     // table does not name is left unresolved, and the node stays a root.
-    if (frame.parent[0] && !NodeList::FindNode(frame.parent) && loading.TableHolds(frame.parent))
-        return 0;
-    cnode* node = CreateNodeForRecord(frame.type, frame.subType);
-    if (!node) return 0;
-    if (!node->Load(in, loading.header.version)) {
+    const bool parentLater =
+        frame.parent[0] && !NodeList::FindNode(frame.parent) && loading.TableHolds(frame.parent);
+    if (parentLater || !node->Load(in, loading.header.version)) {
         node->Delete();
         return 0;
     }
