@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/prefetch.h"
+
 template <class Key, class Value>
 class FlatMap {
 public:
@@ -30,6 +32,12 @@ public:
         slot = Slot{key, std::move(value), Hash{hash}, true};
         ++used;
         return {&slot.value, true};
+    }
+
+    // Starts bringing in the slot where `key` would be added or found, so that an Insert or
+    // Find of it a little later does not wait for memory.
+    void Prefetch(const Key& key) const {
+        ::PrefetchForWrite(&slots[Spread(std::hash<Key>{}(key)) & (slots.size() - 1)]);
     }
 
     // The value kept for `key`, or null.
@@ -105,6 +113,7 @@ public:
     // Adds `key`; returns whether it was new.
     bool Insert(const Key& key) { return map.Insert(key, true).second; }
     bool Contains(const Key& key) const { return map.Contains(key); }
+    void Prefetch(const Key& key) const { map.Prefetch(key); }
     size_t Size() const { return map.Size(); }
 
 private:

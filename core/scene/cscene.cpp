@@ -18,6 +18,7 @@
 #include "runtime/flatmap.h"
 #include "runtime/namefield.h"
 #include "runtime/notestext.h"
+#include "runtime/prefetch.h"
 
 cscene MainScene;
 
@@ -55,7 +56,10 @@ std::vector<T*> EntriesToAdd(T* const* items, int count, T* const* list, int lis
     FlatSet<const T*> present(static_cast<size_t>(count + listCount));
     for (int i = 0; i < count; ++i) present.Insert(items[i]);
     std::vector<T*> added;
+    // Each entry's slot is asked for a few entries ahead of its turn.
+    constexpr int kAhead = 8;
     for (int i = 0; i < listCount; ++i) {
+        if (i + kAhead < listCount) present.Prefetch(list[i + kAhead]);
         if (!list[i]) continue;
         if (!present.Insert(list[i])) break;
         added.push_back(list[i]);
@@ -89,7 +93,12 @@ int AddAllAtOnce(T**& items, int& count, T* const* list, int listCount, Joined j
     try {
         const std::vector<T*> added = EntriesToAdd(items, count, list, listCount);
         if (!AppendAll(items, count, added)) return 0;
-        for (T* item : added) joined(item);
+        // `joined` reads each item, which is asked for a few items ahead.
+        constexpr size_t kAhead = 8;
+        for (size_t i = 0; i < added.size(); ++i) {
+            if (i + kAhead < added.size()) Prefetch(added[i + kAhead]);
+            joined(added[i]);
+        }
         return 1;
     } catch (const std::bad_alloc&) {
         return 0;
@@ -602,7 +611,9 @@ int cscene::CalcSelPos(cpoint3& point) {
     cpoint3 sum;
     int contributions = 0;
     int ns = 0;
+    constexpr int kAhead = 8;  // nodes asked for ahead of their turn
     for (int i = 0; i < nnodes; ++i) {
+        if (i + kAhead < nnodes) Prefetch(nodes[i + kAhead]);
         cnode* node = nodes[i];
         if (!(node->GetFlags() & FLAG_SELECTED)) continue;
         ++ns;
