@@ -340,10 +340,16 @@ void cscene::EvalUniqueName(cnode* node) {
 int cscene::GetNodesHierarchy(cbitarray& order) {
     order.SetSize(nnodes, 1);
     HierarchyWalk walk{order, 0, cbitarray(nnodes), FlatMap<const cnode*, int>(nnodes), {}};
-    for (int i = 0; i < nnodes; ++i) walk.index.Insert(nodes[i], i);
+    constexpr int kAhead = 8;  // nodes and slots asked for ahead of their turn
+    for (int i = 0; i < nnodes; ++i) {
+        if (i + kAhead < nnodes) walk.index.Prefetch(nodes[i + kAhead]);
+        walk.index.Insert(nodes[i], i);
+    }
     const auto inScene = [&walk](const cnode* n) { return walk.IndexOf(n) >= 0; };
-    for (int i = 0; i < nnodes; ++i)
+    for (int i = 0; i < nnodes; ++i) {
+        if (i + kAhead < nnodes) PrefetchBytes(nodes[i + kAhead], sizeof(cnode));
         if (!AnyAncestor(nodes[i], inScene)) WalkNodesHierarchy(i, walk);
+    }
     // Whatever the roots did not reach (a parent chain that loops, or that leads to a scene node
     // only through nodes outside the scene) starts a walk of its own.
     for (int i = 0; i < nnodes; ++i)

@@ -32,6 +32,7 @@
 #include "mtllist.h"
 #include "nodelist.h"
 #include "runtime/flatmap.h"
+#include "runtime/prefetch.h"
 #include "scene/loadingnodes.h"
 
 namespace {
@@ -209,12 +210,18 @@ int WriteSized(cio_save& out, Write write) {
            out.SetPosition(static_cast<long>(record.End()), 0) == 0;
 }
 
-// A name table: the count, then one 64-byte field per name that `nameAt` gives.
-template <class NameAt>
-int WriteNameTable(cio_save& out, int count, NameAt nameAt) {
+// A name table: the count, then one 64-byte field per name of the items `itemAt` gives. A
+// scene's nodes have long left the cache, so the start of each (where a node keeps its name)
+// is asked for a few items ahead of its turn.
+template <class ItemAt>
+int WriteNameTable(cio_save& out, int count, ItemAt itemAt) {
+    constexpr int kAhead = 8;
+    constexpr unsigned long kStart = 128;
     if (!WriteUInt32(out, static_cast<std::uint32_t>(count))) return 0;
-    for (int i = 0; i < count; ++i)
-        if (!WriteName(out, nameAt(i), PROJECT_TABLE_NAME_SIZE)) return 0;
+    for (int i = 0; i < count; ++i) {
+        if (i + kAhead < count) PrefetchBytes(itemAt(i + kAhead), kStart);
+        if (!WriteName(out, itemAt(i)->GetName(), PROJECT_TABLE_NAME_SIZE)) return 0;
+    }
     return 1;
 }
 
@@ -588,9 +595,14 @@ int ParentsComeFirst(const std::vector<cnode*>& nodes) {
     // in a looping chain) need the names, which are then mapped to their first records; the
     // keys view the nodes' own names, which do not change while the scene is saved.
     FlatMap<const cnode*, size_t> position(nodes.size());
-    for (size_t i = 0; i < nodes.size(); ++i) position.Insert(nodes[i], i);
+    constexpr size_t kAhead = 8;  // nodes and slots asked for ahead of their turn
+    for (size_t i = 0; i < nodes.size(); ++i) {
+        if (i + kAhead < nodes.size()) position.Prefetch(nodes[i + kAhead]);
+        position.Insert(nodes[i], i);
+    }
     std::optional<FlatMap<std::string_view, size_t>> first;
     for (size_t i = 0; i < nodes.size(); ++i) {
+        if (i + kAhead < nodes.size()) PrefetchBytes(nodes[i + kAhead], sizeof(cnode));
         const cnode* parent = nodes[i]->GetParent();
         if (!parent || !*parent->GetName()) continue;
         const size_t* at = position.Find(parent);
@@ -614,7 +626,10 @@ int WriteMaterials(cio_save& out) {
 }
 
 int WriteNodes(cio_save& out, const std::vector<cnode*>& nodes) {
-    for (const cnode* node : nodes) {
+    constexpr size_t kAhead = 4;  // nodes asked for ahead of their turn
+    for (size_t i = 0; i < nodes.size(); ++i) {
+        if (i + kAhead < nodes.size()) PrefetchBytes(nodes[i + kAhead], sizeof(cnode));
+        const cnode* node = nodes[i];
         const auto type = static_cast<std::uint32_t>(node->GetTypeID());
         const auto subType = static_cast<std::uint32_t>(node->GetSubTypeID());
         if (!WriteUInt32(out, type) || !WriteUInt32(out, subType) || !node->Save(out)) return 0;
@@ -633,12 +648,12 @@ int WriteProject(cio_save& out, const std::vector<cnode*>& nodes, SceneSettings&
     header.animEnd = static_cast<std::uint32_t>(GetAnimEnd());
     header.animTime = static_cast<std::uint32_t>(GetAnimTime());
     header.animTPF = static_cast<std::uint32_t>(GetAnimTPF());
-    const auto nodeName = [](int i) { return MainScene.GetNodeAt(i)->GetName(); };
-    const auto materialName = [](int i) { return MainScene.GetMaterialAt(i)->GetName(); };
+    const auto nodeAt = [](int i) { return MainScene.GetNodeAt(i); };
+    const auto materialAt = [](int i) { return MainScene.GetMaterialAt(i); };
     return out.Skip(0, PROJECT_HEADER_SIZE) && PositionWord(out, header.nodeTable) &&
-           WriteNameTable(out, MainScene.NumNodes(), nodeName) &&
+           WriteNameTable(out, MainScene.NumNodes(), nodeAt) &&
            PositionWord(out, header.materialTable) &&
-           WriteNameTable(out, MainScene.NumMaterials(), materialName) &&
+           WriteNameTable(out, MainScene.NumMaterials(), materialAt) &&
            WriteSection(out, header.settings,
                         [&] { return ForEachSetting(settings, WriteField{out}); }) &&
            WriteSection(out, header.materials, [&] { return WriteMaterials(out); }) &&
