@@ -117,12 +117,15 @@ int InterpolateKeys(int t, int count, const K* keys, int first, int last, K& key
     return 1;
 }
 
-// `n` default keys in a block from array_new; null when n < 1 or the block cannot be had.
+// A block from array_new with room for `n` keys; null when n < 1 or the block cannot be had.
+// Unless `spare`, it holds n default keys. With `spare` the caller assigns every key it will
+// use: keys are plain values, so a slot needs no default key first, and a grown track's spare
+// room (up to 15 keys after its first) is never written twice.
 template <class K>
-K* NewKeys(int n) {
+K* NewKeys(int n, bool spare = false) {
     if (n < 1 || static_cast<unsigned long>(n) > ULONG_MAX / sizeof(K)) return nullptr;
     K* keys = static_cast<K*>(array_new(static_cast<unsigned long>(n) * sizeof(K)));
-    if (keys)
+    if (keys && !(spare && std::is_trivially_copyable_v<K>))
         for (int i = 0; i < n; ++i) new (keys + i) K();
     return keys;
 }
@@ -170,7 +173,7 @@ int PutKey(KeyStore<K> store, const K& key, int firstCapacity, Report report) {
     }
     if (store.count == INT_MAX) return 0;
     const int capacity = GrownCapacity(store.count, firstCapacity);
-    K* block = NewKeys<K>(capacity);
+    K* block = NewKeys<K>(capacity, true);
     report(block != nullptr);
     if (!block) return 0;
     std::copy(store.keys, store.keys + at, block);
