@@ -115,6 +115,10 @@ public:
 // would if it held exactly the loaded nodes, in load order.
 void SetLoadingNodes(const LoadingNodes* loading);
 
+// While `names` is set (non-null), MtlList finds materials by name through it, where entry i
+// names MainScene's material i: a loading project's node records look up one material each.
+void SetLoadingMaterials(const NameIndex* names);
+
 // While a project file loads, arranges for `link` (which sets a member of `self`) to receive
 // the node named `name` once every record has been read (null when no loaded node other than
 // `self` bears it), and answers 1. With no load in progress it does nothing and answers 0.

@@ -3,6 +3,7 @@
 
 #include "cscene.h"
 #include "runtime/check.h"
+#include "scene/loadingnodes.h"
 #include "scene/nametable.h"
 
 namespace {
@@ -12,6 +13,19 @@ NameTable& Table() {
     return table;
 }
 
+const NameIndex*& LoadingMaterials() {
+    static const NameIndex* names = nullptr;
+    return names;
+}
+
+cmaterial* FindByName(char const* name) {
+    if (const NameIndex* names = LoadingMaterials()) {
+        const int i = names->Find(name);
+        return i < 0 ? nullptr : MainScene.GetMaterialAt(i);
+    }
+    return MainScene.FindMaterial(name);
+}
+
 char* AllocateMaterialNames(unsigned long bytes) {
     char* names = static_cast<char*>(array_new(bytes));
     CORE_CHECK(names != nullptr, "matnames");
@@ -19,6 +33,10 @@ char* AllocateMaterialNames(unsigned long bytes) {
 }
 
 }  // namespace
+
+void SetLoadingMaterials(const NameIndex* names) {
+    LoadingMaterials() = names;
+}
 
 int MtlList::ReadMaterialNames(cio_load& in) {
     return Table().Read(in, PROJECT_MATERIAL_TABLE_OFFSET_AT, PROJECT_MATERIAL_COUNT_AT,
@@ -36,7 +54,7 @@ int MtlList::IsLoaded() {
 cmaterial* MtlList::GetMaterialAt(int i) {
     if (!Table().Loaded()) return MainScene.GetMaterialAt(i);
     char const* name = Table().NameAt(i);
-    return name ? MainScene.FindMaterial(name) : nullptr;
+    return name ? FindByName(name) : nullptr;
 }
 
 int MtlList::NumMaterials() {
@@ -48,7 +66,7 @@ char const* MtlList::GetNameAt(int i) {
 }
 
 cmaterial* MtlList::FindMaterial(char const* name) {
-    return MainScene.FindMaterial(name);
+    return name ? FindByName(name) : nullptr;
 }
 
 int MtlList::Find(cmaterial* material) {

@@ -473,9 +473,27 @@ int LoadNodeRecord(Loading& loading) {
     return in.GetPosition() <= loading.header.nodes.End();
 }
 
+// The names of MainScene's materials (the loaded ones), which MtlList consults while the node
+// records load so that each record's material is found without a scan.
+class MaterialIndex {
+public:
+    MaterialIndex() : names(static_cast<size_t>(MainScene.NumMaterials())) {
+        for (int i = 0; i < MainScene.NumMaterials(); ++i)
+            names.Add(MainScene.GetMaterialAt(i)->GetName());
+        SetLoadingMaterials(&names);
+    }
+    ~MaterialIndex() { SetLoadingMaterials(nullptr); }
+    MaterialIndex(const MaterialIndex&) = delete;
+    MaterialIndex& operator=(const MaterialIndex&) = delete;
+
+private:
+    NameIndex names;
+};
+
 int LoadNodes(Loading& loading) {
     const Section& section = loading.header.nodes;
     if (loading.in.SetPosition(section.offset, 0) != 0) return 0;
+    const MaterialIndex materials;
     for (std::uint32_t i = 0; i < loading.header.numNodes; ++i)
         if (!LoadNodeRecord(loading)) return 0;
     if (loading.in.GetPosition() != section.End()) return 0;
