@@ -13,6 +13,8 @@
 #include "cimage.h"
 #include "coreglcontext.h"
 
+using Pixel = std::array<int, 4>;
+
 // A 64 x 64 offscreen context, current for the test. A missing context fails the test.
 class GLTest : public testing::Test {
 protected:
@@ -35,33 +37,21 @@ inline bool Convert(const std::string& arguments, const std::string& output) {
 // A one-colour picture of `width` x `height`; `colour` in ImageMagick's syntax.
 inline bool SolidPicture(const std::string& path, const std::string& colour, int width,
                          int height) {
-    return Convert(
-        "-size " + std::to_string(width) + "x" + std::to_string(height) + " 'xc:" + colour + "'",
-        path);
+    const std::string size = std::to_string(width) + "x" + std::to_string(height);
+    return Convert("-size " + size + " 'xc:" + colour + "'", path);
 }
 
 // The RGBA bytes of pixel (x, y) of the frame in memory, top row first.
-inline std::array<int, 4> PixelAt(cimage& image, int x, int y) {
+inline Pixel PixelAt(cimage& image, int x, int y) {
     const unsigned char* p = image.GetBitsPtr() + 4 * (y * image.GetWidth() + x);
     return {p[0], p[1], p[2], p[3]};
 }
 
-// `width` x `height` RGBA pixels, all of `rgba`.
-inline std::vector<unsigned char> SolidPixels(int width, int height, std::array<int, 4> rgba) {
+// `image` set to `width` x `height` pixels, all of `rgba`.
+inline void SolidImage(cimage& image, Pixel rgba, int width = 2, int height = 2) {
     std::vector<unsigned char> pixels(static_cast<size_t>(width) * height * 4);
     for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<unsigned char>(rgba[i % 4]);
-    return pixels;
-}
-
-// `image` set to `pixels` (RGBA) of width x height.
-inline void SetPixels(cimage& image, std::vector<unsigned char>& pixels, int width, int height) {
     ASSERT_EQ(image.SetBits(nullptr, pixels.data(), nullptr, width, height, 32, 0), 1);
-}
-
-// `image` set to `width` x `height` pixels, all of `rgba`.
-inline void SolidImage(cimage& image, std::array<int, 4> rgba, int width = 2, int height = 2) {
-    std::vector<unsigned char> pixels = SolidPixels(width, height, rgba);
-    SetPixels(image, pixels, width, height);
 }
 
 #endif

@@ -24,6 +24,8 @@
 
 namespace oracle {
 
+using RowMajor4f = Eigen::Matrix<float, 4, 4, Eigen::RowMajor>;
+
 inline Eigen::Vector3f ToEigen(const cpoint3& p) {
     return Eigen::Vector3f(p.x, p.y, p.z);
 }
@@ -34,7 +36,7 @@ inline cpoint3 FromEigen(const Eigen::Vector3f& v) {
 // The Eigen transform that moves points as our matrix m does (its fourth column is ignored).
 inline Eigen::Affine3f ActingLike(const cmatrix4& m) {
     Eigen::Affine3f t;
-    t.matrix() = Eigen::Map<const Eigen::Matrix<float, 4, 4, Eigen::RowMajor>>(m).transpose();
+    t.matrix() = Eigen::Map<const RowMajor4f>(m).transpose();
     t.makeAffine();
     return t;
 }
@@ -42,7 +44,7 @@ inline Eigen::Affine3f ActingLike(const cmatrix4& m) {
 // Our affine matrix that moves points as the Eigen transform t does.
 inline cmatrix4 MatrixActingLike(const Eigen::Affine3f& t) {
     cmatrix4 m;
-    Eigen::Map<Eigen::Matrix<float, 4, 4, Eigen::RowMajor>>(&m.m[0][0]) = t.matrix().transpose();
+    Eigen::Map<RowMajor4f>(&m.m[0][0]) = t.matrix().transpose();
     return m;
 }
 
@@ -60,10 +62,10 @@ inline Eigen::AngleAxisf RotationActingLike(float degrees, const Eigen::Vector3f
 }
 
 // The Eigen rotation that moves points as our Euler angles (degrees, X then Y then Z).
-inline Eigen::Quaternionf EulerActingLike(float x, float y, float z) {
-    return RotationActingLike(z, Eigen::Vector3f::UnitZ()) *
-           RotationActingLike(y, Eigen::Vector3f::UnitY()) *
-           RotationActingLike(x, Eigen::Vector3f::UnitX());
+inline Eigen::Quaternionf EulerActingLike(const Eigen::Vector3f& e) {
+    return RotationActingLike(e.z(), Eigen::Vector3f::UnitZ()) *
+           RotationActingLike(e.y(), Eigen::Vector3f::UnitY()) *
+           RotationActingLike(e.x(), Eigen::Vector3f::UnitX());
 }
 
 // Fixed-seed random inputs over a number of trials: for (Random r(seed); r.Trial();) ...
@@ -73,6 +75,10 @@ struct Random {
     float Uniform(float lo, float hi) { return std::uniform_real_distribution<float>(lo, hi)(rng); }
     Eigen::Vector3f Vector(float r) {
         return Eigen::Vector3f(Uniform(-r, r), Uniform(-r, r), Uniform(-r, r));
+    }
+    // Euler angles away from gimbal lock: x and z within +-179, y within +-89 degrees.
+    Eigen::Vector3f Angles() {
+        return Eigen::Vector3f(Uniform(-179, 179), Uniform(-89, 89), Uniform(-179, 179));
     }
     Eigen::Quaternionf Rotation() {
         std::normal_distribution<float> gauss;
@@ -95,24 +101,21 @@ void ExpectClose(const A& ours, const B& expected, float tolerance) {
                                                                   << expected;
 }
 
+// The matrix moves points as the Eigen transform does.
+inline void ExpectNear(const cmatrix4& ours, const Eigen::Affine3f& expected, float tolerance) {
+    ExpectClose(ActingLike(ours).matrix(), expected.matrix(), tolerance);
+}
 inline void ExpectNear(const cpoint3& ours, const Eigen::Vector3f& expected, float tolerance) {
     ExpectClose(ToEigen(ours), expected, tolerance);
 }
-
-// Both transforms move points the same way.
-inline void ExpectNear(const Eigen::Affine3f& ours, const Eigen::Affine3f& expected,
-                       float tolerance) {
-    ExpectClose(ours.matrix(), expected.matrix(), tolerance);
-}
-
-inline void ExpectQuat(const cquat& ours, const cquat& e, float tolerance) {
+inline void ExpectNear(const cquat& ours, const cquat& e, float tolerance) {
     ExpectClose(Eigen::Vector4f(ours.x, ours.y, ours.z, ours.w),
                 Eigen::Vector4f(e.x, e.y, e.z, e.w), tolerance);
 }
 
 // The same rotation: equal components up to the sign of the whole quaternion.
 inline void ExpectSameRotation(const cquat& ours, const cquat& e, float tolerance) {
-    ExpectQuat(ours, DotProd(ours, e) < 0.0f ? -e : e, tolerance);
+    ExpectNear(ours, DotProd(ours, e) < 0.0f ? -e : e, tolerance);
 }
 
 }  // namespace oracle

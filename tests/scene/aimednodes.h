@@ -1,5 +1,5 @@
-// Helpers of the light and camera tests: node base records written by hand, checks of a
-// node's facing, and a headless GL context for the drawing tests.
+// Helpers of the node tests: node base records written by hand, record loading and saving,
+// and checks of a node's position and facing.
 #ifndef ORVANE_TESTS_SCENE_AIMEDNODES_H
 #define ORVANE_TESTS_SCENE_AIMEDNODES_H
 
@@ -14,7 +14,6 @@
 #include "cio.h"
 #include "cmatrix4.h"
 #include "cnode.h"
-#include "coreglcontext.h"
 #include "cpoint.h"
 #include "cscene.h"
 #include "support/animclockfixture.h"
@@ -67,11 +66,10 @@ inline int LoadRecord(cnode& node, const std::string& bytes, unsigned long versi
 inline ::testing::AssertionResult LoadsWhole(cnode& node, const std::string& bytes,
                                              unsigned long version) {
     RecordStream record(bytes + "next");
-    if (!record.opened || node.Load(record.in, version) != 1)
-        return ::testing::AssertionFailure() << "not loaded";
-    if (record.in.BytesLeft() != 4)
-        return ::testing::AssertionFailure() << record.in.BytesLeft() << " bytes left, not 4";
-    return ::testing::AssertionSuccess();
+    const int loaded = record.opened ? node.Load(record.in, version) : -1;
+    if (loaded == 1 && record.in.BytesLeft() == 4) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure()
+           << "loaded " << loaded << ", " << record.in.BytesLeft() << " bytes left, not 4";
 }
 
 inline std::string SavedRecord(const cnode& node) {
@@ -88,23 +86,7 @@ inline ::testing::AssertionResult Near3(const cpoint3& a, const cpoint3& b, floa
 // The unit direction in which `node`'s local Z axis (its matrix's row 2), which a target
 // draws towards itself, points at `time`.
 inline cpoint3 Facing(const cnode& node, int time) {
-    const cmatrix4 m = node.GetNodeTM(time, TM_ROT);
-    return Normalize(m.GetRow3(2));
+    return Normalize(node.GetNodeTM(time, TM_ROT).GetRow3(2));
 }
-
-// A current headless GL context of the given size for the life of the object.
-class GLContextScope {
-public:
-    GLContextScope(int width, int height) : context_(CoreGLContext_Create(width, height, nullptr)) {
-        if (context_) CoreGLContext_MakeCurrent(context_);
-    }
-    ~GLContextScope() { CoreGLContext_Destroy(context_); }
-    GLContextScope(const GLContextScope&) = delete;
-    GLContextScope& operator=(const GLContextScope&) = delete;
-    bool Ready() const { return context_ && CoreGLContext_GetCurrent() == context_; }
-
-private:
-    CoreGLContext* context_;
-};
 
 #endif
