@@ -14,7 +14,6 @@
 #include "ciofields.h"
 #include "fuzz/fuzztarget.h"
 #include "support/bytestring.h"
-#include "support/testsupport.h"
 
 namespace {
 
@@ -27,9 +26,6 @@ struct Step {
     // Measured from the position, independently of the stream's own BytesLeft.
     unsigned long LeftNow() const { return static_cast<unsigned long>(size - in.GetPosition()); }
 };
-
-// Every field read below either succeeds within the bytes that were left or fails leaving its
-// destination unchanged.
 
 // A fixed-size field, as wide in the file as in memory, read into memory filled with a marker.
 template <class T, int (*Read)(cio_load&, T&)>
@@ -98,18 +94,11 @@ void (*const kSteps[kStepCount])(const Step&) = {ReadPod<int, ReadInt32>,
                                                  ReadRaw,
                                                  Seek};
 
-const std::string& InputFile() {
-    static const TempDir folder;
-    static const std::string path = folder.File("input.bin");
-    return path;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    WriteFileBytes(InputFile(), std::string(reinterpret_cast<const char*>(data), size));
     cio_load in;
-    FUZZ_CHECK(in.Open(InputFile().c_str()) == 0);
+    FUZZ_CHECK(in.Open(FuzzFile(data, size).c_str()) == 0);
     const long length = static_cast<long>(size);
     FUZZ_CHECK(in.Size() == length);
     // Seeks may go backwards: the step budget keeps every input finite.

@@ -5,65 +5,11 @@
 // must end without a crash, leave a terminated name, and a node that loaded must keep its
 // invariants (a key track with keys, IK counts within their ranges) and save a record that
 // loads again to a record of the same length.
-#include <cstdio>
 #include <cstring>
 #include <string>
 
 #include "cnode.h"
 #include "fuzz/fuzztarget.h"
-#include "support/testsupport.h"
-
-namespace {
-
-constexpr unsigned long kVersions[] = {6, 12, 16};
-
-const TempDir& Folder() {
-    static const TempDir folder;
-    return folder;
-}
-
-int LoadFrom(const std::string& path, cnode& node, unsigned long version) {
-    cio_load in;
-    FUZZ_CHECK(in.Open(path.c_str()) == 0);
-    return node.Load(in, version);
-}
-
-std::string SaveOf(const cnode& node) {
-    const std::string path = Folder().File("saved.bin");
-    std::remove(path.c_str());
-    {
-        cio_save out;
-        FUZZ_CHECK(out.Open(path.c_str()) == 0);
-        FUZZ_CHECK(node.Save(out) == 1);
-    }
-    return ReadFileBytes(path);
-}
-
-void CheckLoaded(const cnode& node) {
-    FUZZ_CHECK(node.GetAnimPtr()->NumKeys() >= 1);
-    FUZZ_CHECK(node.GetIKNumIterations() >= 1 && node.GetIKNumIterations() <= 200);
-    FUZZ_CHECK(node.GetIKRecurseNum() >= 1 && node.GetIKRecurseNum() <= 1000);
-    const std::string saved = SaveOf(node);
-    cnode again;
-    FUZZ_CHECK(LoadFrom(Folder().File("saved.bin"), again, 16) == 1);
-    FUZZ_CHECK(SaveOf(again).size() == saved.size());
-}
-
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string input = Folder().File("input.bin");
-    WriteFileBytes(input, std::string(reinterpret_cast<const char*>(data), size));
-    for (unsigned long version : kVersions) {
-        cnode node("Fuzz", ccolor());
-        const int loaded = LoadFrom(input, node, version);
-        FUZZ_CHECK(loaded == 0 || loaded == 1);
-        FUZZ_CHECK(std::memchr(node.GetName(), '\0', NODE_NAME_SIZE) != nullptr);
-        FUZZ_CHECK(node.NotesSize() <= static_cast<int>(size));
-        if (loaded) CheckLoaded(node);
-    }
-    return 0;
-}
 
 namespace {
 
@@ -83,9 +29,28 @@ std::string OlderLayout(const std::string& record, unsigned long version) {
 
 }  // namespace
 
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string input = FuzzFile(data, size);
+    for (unsigned long version : {6ul, 12ul, 16ul}) {
+        cnode node("Fuzz", ccolor());
+        const int loaded = LoadRecord(node, input, version);
+        FUZZ_CHECK(loaded == 0 || loaded == 1);
+        FUZZ_CHECK(std::memchr(node.GetName(), '\0', NODE_NAME_SIZE) != nullptr);
+        FUZZ_CHECK(node.NotesSize() <= static_cast<int>(size));
+        if (!loaded) continue;
+        FUZZ_CHECK(node.GetAnimPtr()->NumKeys() >= 1);
+        FUZZ_CHECK(node.GetIKNumIterations() >= 1 && node.GetIKNumIterations() <= 200);
+        FUZZ_CHECK(node.GetIKRecurseNum() >= 1 && node.GetIKRecurseNum() <= 1000);
+        const std::string saved = ReadFileBytes(SaveRecord(node));
+        cnode again;
+        FUZZ_CHECK(LoadRecord(again, FuzzPath("saved"), 16) == 1);
+        FUZZ_CHECK(ReadFileBytes(SaveRecord(again)).size() == saved.size());
+    }
+    return 0;
+}
+
 std::vector<std::string> FuzzSeeds() {
     cnode plain("Plain", ccolor(0.2f, 0.4f, 0.6f, 1.0f));
-
     cnode parent("Parent", ccolor());
     cnode busy("Busy", ccolor(1.0f, 0.0f, 0.0f, 1.0f));
     parent.Attach(&busy, 1);
@@ -103,10 +68,8 @@ std::vector<std::string> FuzzSeeds() {
 
     std::vector<std::string> seeds;
     for (const cnode* node : {&plain, &busy}) {
-        const std::string record = SaveOf(*node);
-        seeds.push_back(record);
-        seeds.push_back(OlderLayout(record, 12));
-        seeds.push_back(OlderLayout(record, 6));
+        const std::string record = ReadFileBytes(SaveRecord(*node));
+        seeds.insert(seeds.end(), {record, OlderLayout(record, 12), OlderLayout(record, 6)});
     }
     return seeds;
 }

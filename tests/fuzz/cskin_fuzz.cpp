@@ -7,22 +7,13 @@
 // without reading outside its arrays, and save a record that loads again to one of the same
 // length.
 #include <cmath>
-#include <cstdio>
 #include <string>
 
 #include "cscene.h"
 #include "cskin.h"
 #include "fuzz/fuzztarget.h"
-#include "support/testsupport.h"
 
 namespace {
-
-constexpr unsigned long kVersions[] = {8, 12, 16};
-
-const TempDir& Folder() {
-    static const TempDir folder;
-    return folder;
-}
 
 // Two bones in MainScene for the records to name, made once.
 void PlaceBones() {
@@ -31,23 +22,6 @@ void PlaceBones() {
     placed = true;
     for (const char* name : {"Root", "Tip"}) MainScene.AddNode(new cnode(name, ccolor()), 1);
     MainScene.FindNode("Tip")->SetPosition(0, cpoint3(0, 2, 0));
-}
-
-int LoadFrom(const std::string& path, cskin& skin, unsigned long version) {
-    cio_load in;
-    FUZZ_CHECK(in.Open(path.c_str()) == 0);
-    return skin.Load(in, version);
-}
-
-std::string SaveOf(const cskin& skin) {
-    const std::string path = Folder().File("saved.bin");
-    std::remove(path.c_str());
-    {
-        cio_save out;
-        FUZZ_CHECK(out.Open(path.c_str()) == 0);
-        FUZZ_CHECK(skin.Save(out) == 1);
-    }
-    return ReadFileBytes(path);
 }
 
 void CheckLoaded(cskin& skin) {
@@ -61,21 +35,20 @@ void CheckLoaded(cskin& skin) {
         }
     }
     FUZZ_CHECK((skin.GetDeformedVerts() != nullptr) == (skin.NumVerts() > 0));
-    const std::string saved = SaveOf(skin);
+    const std::string saved = ReadFileBytes(SaveRecord(skin));
     cskin again;
-    FUZZ_CHECK(LoadFrom(Folder().File("saved.bin"), again, 16) == 1);
-    FUZZ_CHECK(SaveOf(again).size() == saved.size());
+    FUZZ_CHECK(LoadRecord(again, FuzzPath("saved"), 16) == 1);
+    FUZZ_CHECK(ReadFileBytes(SaveRecord(again)).size() == saved.size());
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     PlaceBones();
-    const std::string input = Folder().File("input.bin");
-    WriteFileBytes(input, std::string(reinterpret_cast<const char*>(data), size));
-    for (unsigned long version : kVersions) {
+    const std::string input = FuzzFile(data, size);
+    for (unsigned long version : {8ul, 12ul, 16ul}) {
         cskin skin;
-        const int loaded = LoadFrom(input, skin, version);
+        const int loaded = LoadRecord(skin, input, version);
         FUZZ_CHECK(loaded == 0 || loaded == 1);
         if (loaded) CheckLoaded(skin);
     }
@@ -84,7 +57,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 std::vector<std::string> FuzzSeeds() {
     PlaceBones();
-    cskin plain;
     cskin skinned;
     const cpoint3 points[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}};
     const int indices[] = {0, 1, 2, 1, 3, 2};
@@ -93,5 +65,5 @@ std::vector<std::string> FuzzSeeds() {
     skinned.AddBone(MainScene.FindNode("Tip"));
     skinned.AssignNearestBones(2);
     skinned.SetSkinVertIndex(3, 0);
-    return {SaveOf(plain), SaveOf(skinned)};
+    return {ReadFileBytes(SaveRecord(cskin())), ReadFileBytes(SaveRecord(skinned))};
 }

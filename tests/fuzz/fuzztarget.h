@@ -1,4 +1,5 @@
-// What every fuzz target (tests/fuzz/<name>_fuzz.cpp) defines, and its invariant check.
+// What every fuzz target (tests/fuzz/<name>_fuzz.cpp) defines, its invariant check and the
+// record helpers the targets share.
 //
 // A target is built twice: as a libFuzzer binary when CORE_BUILD_FUZZ is on (clang only), and
 // always as <name>_replay, which runs it in ctest over a fixed set of generated inputs.
@@ -11,6 +12,8 @@
 #include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "support/testsupport.h"
 
 // Runs the code under test on one input of untrusted bytes; returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
@@ -28,5 +31,38 @@ std::vector<std::string> FuzzSeeds();
 
 #define FUZZ_CHECK(condition) \
     ((condition) ? static_cast<void>(0) : FuzzCheckFailed(#condition, __FILE__, __LINE__))
+
+// The path of file `name` in the process's own temporary folder.
+inline std::string FuzzPath(const std::string& name) {
+    static const TempDir folder;
+    return folder.File(name);
+}
+
+// The input written to a file of that folder; returns its path.
+inline std::string FuzzFile(const std::uint8_t* data, std::size_t size) {
+    const std::string path = FuzzPath("input");
+    WriteFileBytes(path, std::string(reinterpret_cast<const char*>(data), size));
+    return path;
+}
+
+// Writes the record `object` saves, which must succeed, to a fresh file; returns its path.
+template <class T>
+std::string SaveRecord(const T& object, const std::string& name = "saved") {
+    const std::string path = FuzzPath(name);
+    std::remove(path.c_str());
+    cio_save out;
+    FUZZ_CHECK(out.Open(path.c_str()) == 0 && object.Save(out) == 1);
+    out.Close();
+    return path;
+}
+
+// Loads the file at `path` into `object` as a record of file version `version`; the result
+// of Load.
+template <class T>
+int LoadRecord(T& object, const std::string& path, unsigned long version) {
+    cio_load in;
+    FUZZ_CHECK(in.Open(path.c_str()) == 0);
+    return object.Load(in, version);
+}
 
 #endif

@@ -13,15 +13,8 @@
 #include "mtllist.h"
 #include "nodelist.h"
 #include "scene/projectfile.h"
-#include "support/testsupport.h"
 
 namespace {
-
-const std::string& InputFile() {
-    static const TempDir folder;
-    static const std::string path = folder.File("project.orv");
-    return path;
-}
 
 // Scene objects bearing the seeds' names, so that lookups find something.
 void FillSceneOnce() {
@@ -64,9 +57,8 @@ void CheckReader(cio_load& in, const std::uint8_t* data, std::size_t size, int (
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FillSceneOnce();
-    WriteFileBytes(InputFile(), std::string(reinterpret_cast<const char*>(data), size));
     cio_load in;
-    FUZZ_CHECK(in.Open(InputFile().c_str()) == 0);
+    FUZZ_CHECK(in.Open(FuzzFile(data, size).c_str()) == 0);
     FUZZ_CHECK(in.SetPosition(static_cast<long>(size / 2), 0) == 0);
     CheckReader<cnode>(in, data, size, NodeList::ReadNodeNames, NodeList::IsLoaded,
                        NodeList::NumNodes, NodeList::GetNodeAt, NodeList::Find);

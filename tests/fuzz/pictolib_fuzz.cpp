@@ -10,7 +10,6 @@
 
 #include "fuzz/fuzztarget.h"
 #include "pictolib.h"
-#include "support/testsupport.h"
 
 namespace {
 
@@ -30,9 +29,7 @@ void CheckPicture(unsigned char const* bits, unsigned char const* alpha, int wid
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static TempDir dir;
-    const std::string path = dir.File("input");
-    WriteFileBytes(path, std::string(reinterpret_cast<const char*>(data), size));
+    const std::string path = FuzzFile(data, size);
     unsigned char* bits = nullptr;
     unsigned char* alpha = nullptr;
     int width = 0, height = 0;

@@ -13,26 +13,22 @@
 #include "fuzz/fuzztarget.h"
 #include "projectfile.h"
 #include "scene/projectfile.h"
-#include "support/testsupport.h"
 
 namespace {
 
-const TempDir& Folder() {
-    static const TempDir folder;
-    return folder;
-}
-
-std::string SavedScene() {
-    const std::string path = Folder().File("seed.orv");
-    FUZZ_CHECK(SaveProjectFile(path.c_str()) == 1);
-    return ReadFileBytes(path);
-}
-
-void BuildBaseline() {
+// The scene before each input: the car, or an empty scene.
+void BuildBaseline(bool car = true) {
     MainScene.Clear();
     ResetAnim();
+    if (!car) return;
     BuildCarScene();
     MainScene.Select(MainScene.FindNode("Car"));
+}
+
+std::string SavedScene(const char* name) {
+    const std::string path = FuzzPath(name);
+    FUZZ_CHECK(SaveProjectFile(path.c_str()) == 1);
+    return path;
 }
 
 void CheckNode(cnode* node, int count) {
@@ -70,19 +66,10 @@ std::vector<std::string> Names() {
     return names;
 }
 
-void CheckSavesAndLoadsAgain() {
-    const std::vector<std::string> names = Names();
-    const std::string path = Folder().File("again.orv");
-    FUZZ_CHECK(SaveProjectFile(path.c_str()) == 1);
-    FUZZ_CHECK(LoadProjectFile(path.c_str()) == 1);
-    FUZZ_CHECK(Names() == names);
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string input = Folder().File("input.orv");
-    WriteFileBytes(input, std::string(reinterpret_cast<const char*>(data), size));
+    const std::string input = FuzzFile(data, size);
     BuildBaseline();
     const std::string before = DescribeMainScene(true);
     const int loaded = LoadProjectFile(input.c_str());
@@ -92,20 +79,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     CheckSound();
-    CheckSavesAndLoadsAgain();
+    const std::vector<std::string> names = Names();
+    FUZZ_CHECK(LoadProjectFile(SavedScene("again.orv").c_str()) == 1);
+    FUZZ_CHECK(Names() == names);
     CheckSound();
     return 0;
 }
 
 std::vector<std::string> FuzzSeeds() {
     std::vector<std::string> seeds;
-    MainScene.Clear();
-    ResetAnim();
-    seeds.push_back(SavedScene());
-    BuildBaseline();
-    seeds.push_back(SavedScene());
+    for (bool car : {false, true}) {
+        BuildBaseline(car);
+        seeds.push_back(ReadFileBytes(SavedScene("seed.orv")));
+    }
     for (std::uint32_t version : {6u, 12u, 16u}) seeds.push_back(RobotFile(version).Bytes());
-    MainScene.Clear();
-    ResetAnim();
+    BuildBaseline(false);
     return seeds;
 }

@@ -8,18 +8,14 @@
 
 namespace {
 
-TEST(RawArray, AllocatesWritableBlocksAndFreesThem) {
+TEST(RawArray, AllocatesWholeBlocksAndReportsFailedConditionsFromLine18) {
     auto* block = static_cast<unsigned char*>(array_new(4096));
     ASSERT_NE(block, nullptr);
-    std::memset(block, 0xAB, 4096);  // the whole block is usable (ASan checks the bounds)
-    EXPECT_EQ(block[4095], 0xAB);
+    std::memset(block, 0xAB, 4096);  // ASan checks the bounds
     array_delete(block);
-    array_delete(nullptr);  // ignored
-}
+    array_delete(nullptr);
 
-TEST(RawArray, AssertReportsConditionFromArrayLine18OnlyOnFailure) {
     AssertRecorder recorder;
-    array_assert(1);
     array_assert(5);
     EXPECT_EQ(recorder.Count(), 0);
     array_assert(0);
