@@ -95,11 +95,50 @@ bool UncompressedTgaFits(Bytes file) {
     return 18 + file.data[0] + mapBytes + pixelBytes <= static_cast<long long>(file.size);
 }
 
+// Radiance pixels follow the header (lines up to an empty one) and the resolution line. Each
+// scanline of 8 to 32767 pixels is either run-length encoded (2, 2, then its length, then the
+// four components one after the other, each as runs and literal stretches) or starts the plain
+// layout, four bytes a pixel, which then holds every pixel left in the picture. The reader
+// takes a run of no pixels as progress and never ends, and reads zeros past the end of the
+// file; pixels are therefore walked here first, and a zero count or a missing byte refuses the
+// file.
+bool RadiancePixelsFit(Bytes file, long long width, long long height) {
+    const unsigned char* end = file.data + file.size;
+    const unsigned char* at = file.data;
+    // The header ends at an empty line; the resolution line follows.
+    for (int newlines = 0; newlines < 2 && at < end; ++at)
+        newlines = *at == '\n' ? newlines + 1 : 0;
+    at = std::find(at, end, '\n');
+    if (at == end) return false;
+    ++at;
+    const auto plainFits = [&](long long pixels) { return pixels * 4 <= end - at; };
+    if (width < 8 || width >= 32768) return plainFits(width * height);
+    for (long long row = 0; row < height; ++row) {
+        if (end - at < 4) return false;
+        if (at[0] != 2 || at[1] != 2 || (at[2] & 0x80)) return plainFits((height - row) * width);
+        if ((at[2] << 8 | at[3]) != width) return false;
+        at += 4;
+        for (int component = 0; component < 4; ++component) {
+            for (long long done = 0; done < width;) {
+                if (at == end) return false;
+                long long count = *at++;
+                const bool run = count > 128;
+                if (run) count -= 128;
+                if (count == 0 || count > width - done || (run ? 1 : count) > end - at)
+                    return false;
+                at += run ? 1 : count;
+                done += count;
+            }
+        }
+    }
+    return true;
+}
+
 // TGA has no signature: what is no other known format is taken for one.
-bool PixelDataFits(Bytes file) {
+bool PixelDataFits(Bytes file, int width, int height) {
     if (StartsWith(file, "BM", 2)) return UncompressedBmpFits(file);
-    if (StartsWith(file, "GIF8", 4) || StartsWith(file, "8BPS", 4) || StartsWith(file, "#?", 2))
-        return true;
+    if (StartsWith(file, "#?", 2)) return RadiancePixelsFit(file, width, height);
+    if (StartsWith(file, "GIF8", 4) || StartsWith(file, "8BPS", 4)) return true;
     return UncompressedTgaFits(file);
 }
 
@@ -109,7 +148,7 @@ int DecodeOther(Bytes file, Picture& picture) {
     int width = 0, height = 0, channels = 0;
     // The header alone first: the size is checked before the reader allocates for it.
     if (!stbi_info_from_memory(file.data, Length(file), &width, &height, &channels)) return 0;
-    if (!IsPlausibleSize(width, height, file.size) || !PixelDataFits(file)) return 0;
+    if (!IsPlausibleSize(width, height, file.size) || !PixelDataFits(file, width, height)) return 0;
     picture.width = width;
     picture.height = height;
     picture.rgba = AllocateRGBA(width, height);
