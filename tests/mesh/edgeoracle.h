@@ -8,7 +8,6 @@
 #include <array>
 #include <cmath>
 #include <numeric>
-#include <utility>
 #include <vector>
 
 #include "support/objreader.h"
@@ -17,7 +16,7 @@
 // std::sort of all face corners); an edge of exactly two triangles links them, one of three or
 // more stops the linking.
 inline std::vector<std::array<unsigned int, 3>> OracleLinks(
-    const std::vector<std::array<int, 3>>& triangles, int* overSharedEdges = nullptr) {
+    const std::vector<std::array<int, 3>>& triangles) {
     std::vector<std::array<unsigned int, 4>> corners;  // higher, lower, face, edge
     for (unsigned int f = 0; f < triangles.size(); ++f)
         for (unsigned int k = 0; k < 3; ++k) {
@@ -27,41 +26,38 @@ inline std::vector<std::array<unsigned int, 3>> OracleLinks(
     std::sort(corners.begin(), corners.end());
     std::vector<std::array<unsigned int, 3>> links(triangles.size(),
                                                    {0xFFFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFFFu});
-    int over = 0;
+    bool over = false;
     for (size_t i = 0, end = 0; i < corners.size(); i = end) {
         for (end = i + 1; end < corners.size() && corners[end][0] == corners[i][0] &&
                           corners[end][1] == corners[i][1];)
             ++end;
-        over += end - i > 2;
+        over = over || end - i > 2;
         if (over || end - i != 2) continue;
         const auto &a = corners[i], &b = corners[i + 1];
         links[a[2]][a[3]] = b[2] | (b[3] << 30);
         links[b[2]][b[3]] = a[2] | (a[3] << 30);
     }
-    if (overSharedEdges) *overSharedEdges = over;
     return links;
 }
 
 // Unit face normals (P0 - P1) x (P2 - P1) in double precision.
 inline std::vector<Eigen::Vector3d> OracleNormals(const ObjData& data) {
     std::vector<Eigen::Vector3d> normals;
-    for (const auto& t : data.triangles) {
-        Eigen::Vector3d p[3];
-        for (int k = 0; k < 3; ++k)
-            p[k] = Eigen::Vector3d(data.vertices[t[k]][0], data.vertices[t[k]][1],
-                                   data.vertices[t[k]][2]);
-        normals.push_back((p[0] - p[1]).cross(p[2] - p[1]).normalized());
-    }
+    const auto point = [&](int v) {
+        return Eigen::Map<const Eigen::Vector3f>(data.vertices[v].data()).cast<double>().eval();
+    };
+    for (const auto& t : data.triangles)
+        normals.push_back(
+            (point(t[0]) - point(t[1])).cross(point(t[2]) - point(t[1])).normalized());
     return normals;
 }
 
-// Connected components of the faces over the given links, joining two linked faces when
-// `eligible` holds for both and (with `useAngle`) their normals are at most `angle` degrees
-// apart. Components are numbered by their lowest face; ineligible faces get 0xFFFFFFFF.
-template <class Eligible>
-std::vector<unsigned int> OracleClusters(const std::vector<std::array<unsigned int, 3>>& links,
-                                         const std::vector<Eigen::Vector3d>& normals,
-                                         Eligible eligible, bool useAngle, double angle) {
+// Connected components of the faces over the given links, joining two linked faces when (with
+// `useAngle`) their normals are at most `angle` degrees apart. Components are numbered by their
+// lowest face.
+inline std::vector<unsigned int> OracleClusters(
+    const std::vector<std::array<unsigned int, 3>>& links,
+    const std::vector<Eigen::Vector3d>& normals, bool useAngle, double angle) {
     const size_t n = links.size();
     std::vector<size_t> parent(n);
     std::iota(parent.begin(), parent.end(), size_t{0});
@@ -69,20 +65,17 @@ std::vector<unsigned int> OracleClusters(const std::vector<std::array<unsigned i
         while (parent[x] != x) x = parent[x] = parent[parent[x]];
         return x;
     };
-    for (size_t f = 0; f < n; ++f) {
+    for (size_t f = 0; f < n; ++f)
         for (unsigned int link : links[f]) {
-            if (link == 0xFFFFFFFFu) continue;
             const size_t g = link & 0x3FFFFFFFu;
-            if (!eligible(f) || !eligible(g)) continue;
-            const double degrees = std::acos(normals[f].dot(normals[g])) * 180.0 / M_PI;
-            if (useAngle && degrees > angle) continue;
+            if (link == 0xFFFFFFFFu ||
+                (useAngle && std::acos(normals[f].dot(normals[g])) * 180.0 / M_PI > angle))
+                continue;
             parent[find(f)] = find(g);
         }
-    }
-    std::vector<unsigned int> cluster(n, 0xFFFFFFFFu), numberOfRoot(n, 0xFFFFFFFFu);
+    std::vector<unsigned int> cluster(n), numberOfRoot(n, 0xFFFFFFFFu);
     unsigned int next = 0;
     for (size_t f = 0; f < n; ++f) {
-        if (!eligible(f)) continue;
         unsigned int& id = numberOfRoot[find(f)];
         if (id == 0xFFFFFFFFu) id = next++;
         cluster[f] = id;

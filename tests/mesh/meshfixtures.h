@@ -1,4 +1,4 @@
-// Test meshes built by hand (a unit cube, a grid), meshes read from the shared OBJ files, and
+// Test meshes built by hand (a unit cube), meshes read from the shared OBJ files, and
 // the structural invariants every mesh operation must keep.
 #ifndef ORVANE_TESTS_MESH_MESHFIXTURES_H
 #define ORVANE_TESTS_MESH_MESHFIXTURES_H
@@ -7,25 +7,20 @@
 
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <string>
 #include <tuple>
-#include <utility>
 #include <vector>
 
-#include "adjacency.h"
 #include "cmesh.h"
 #include "support/objreader.h"
 #include "support/testsupport.h"
 
 using Tri = std::array<int, 3>;
 
-// The vertex indices of `face`, and of face `f` of `mesh`.
-inline Tri Corners(const cface& face) {
-    return {face.v[0], face.v[1], face.v[2]};
-}
+// The vertex indices of face `f` of `mesh`.
 inline Tri Corners(const cmesh& mesh, int f) {
-    return Corners(mesh.GetFace(f));
+    const cface face = mesh.GetFace(f);
+    return {face.v[0], face.v[1], face.v[2]};
 }
 
 // Builds `mesh` from positions and triangles through SetMesh.
@@ -55,69 +50,40 @@ bool LinkFaces(Mesh& mesh, Adjacency& adjacency) {
     return adjacency.Init(mesh) == 1 && adjacency.Create() == 1;
 }
 
-// An n x n grid of unit squares in the z = 0 plane, two triangles per square.
-inline void MakeGrid(cmesh& mesh, int n) {
-    std::vector<cpoint3> points;
-    for (int y = 0; y <= n; ++y)
-        for (int x = 0; x <= n; ++x)
-            points.emplace_back(static_cast<float>(x), static_cast<float>(y), 0.0f);
-    std::vector<int> indices;
-    for (int y = 0; y < n; ++y)
-        for (int x = 0; x < n; ++x) {
-            const int a = y * (n + 1) + x, b = a + 1, c = a + n + 1, d = c + 1;
-            indices.insert(indices.end(), {a, b, d, a, d, c});
-        }
-    BuildMesh(mesh, points, indices);
-}
-
 // Reads a shared OBJ mesh into `data` and `mesh`; false when either step fails.
 inline bool LoadObjMesh(cmesh& mesh, const std::string& name, ObjData& data) {
     return ReadObj(SharedDataPath("meshes/" + name), data) && BuildMesh(data, mesh);
 }
-inline bool LoadObjMesh(cmesh& mesh, const std::string& name) {
-    ObjData data;
-    return LoadObjMesh(mesh, name, data);
-}
 
-// Every face index in range, the counters equal to a recount of the flags, three edge flags
-// per face.
+// Three edge flags per face, every face index in range, and the selected and hidden counters of
+// vertices, faces and edges equal to a recount of the flags.
 inline ::testing::AssertionResult MeshIsValid(const cmesh& mesh) {
-    if (mesh.NumEdges() != 3 * mesh.NumFaces())
-        return ::testing::AssertionFailure()
-               << mesh.NumEdges() << " edge flags for " << mesh.NumFaces() << " faces";
-    // Selected and hidden vertices, faces and edges, recounted from the flags.
     std::array<int, 6> recount{};
     const auto tally = [&](int kind, unsigned int flags) {
         recount[2 * kind] += (flags & 1) != 0;
         recount[2 * kind + 1] += (flags & 2) != 0;
     };
     for (int i = 0; i < mesh.NumVerts(); ++i) tally(0, mesh.GetVertFlags(i));
-    for (int f = 0; f < mesh.NumFaces(); ++f) {
-        for (int v : Corners(mesh, f))
-            if (v < 0 || v >= mesh.NumVerts())
-                return ::testing::AssertionFailure() << "face " << f << " index " << v;
-        tally(1, mesh.GetFace(f).flags);
-    }
     for (int e = 0; e < mesh.NumEdges(); ++e) tally(2, mesh.GetEdgeFlags(e));
+    bool inRange = mesh.NumEdges() == 3 * mesh.NumFaces();
+    for (int f = 0; f < mesh.NumFaces(); ++f) {
+        tally(1, mesh.GetFace(f).flags);
+        for (int v : Corners(mesh, f)) inRange = inRange && v >= 0 && v < mesh.NumVerts();
+    }
     const std::array<int, 6> counters = {mesh.NumSelVerts(), mesh.NumHiddenVerts(),
                                          mesh.NumSelFaces(), mesh.NumHiddenFaces(),
                                          mesh.NumSelEdges(), mesh.NumHiddenEdges()};
-    if (recount == counters) return ::testing::AssertionSuccess();
-    auto failure = ::testing::AssertionFailure() << "counter/recount:";
-    for (int i = 0; i < 6; ++i) failure << " " << counters[i] << "/" << recount[i];
-    return failure;
+    return (inRange && recount == counters ? ::testing::AssertionSuccess()
+                                           : ::testing::AssertionFailure())
+           << "indices in range " << inRange << ", counters " << ::testing::PrintToString(counters)
+           << ", recount " << ::testing::PrintToString(recount);
 }
 
 inline ::testing::AssertionResult Near(const cpoint3& a, const cpoint3& b, float eps = 1e-5f) {
-    if (std::fabs(a.x - b.x) <= eps && std::fabs(a.y - b.y) <= eps && std::fabs(a.z - b.z) <= eps)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "(" << a.x << ", " << a.y << ", " << a.z << ") vs ("
-                                         << b.x << ", " << b.y << ", " << b.z << ")";
-}
-
-// The vertex and face counts of `mesh`.
-inline std::pair<int, int> VertsAndFaces(const cmesh& mesh) {
-    return {mesh.NumVerts(), mesh.NumFaces()};
+    const bool near =
+        std::fabs(a.x - b.x) <= eps && std::fabs(a.y - b.y) <= eps && std::fabs(a.z - b.z) <= eps;
+    return (near ? ::testing::AssertionSuccess() : ::testing::AssertionFailure())
+           << a.x << " " << a.y << " " << a.z << " vs " << b.x << " " << b.y << " " << b.z;
 }
 
 // Every vertex position, every face's corners, texture corners, flags and smoothing groups, and
@@ -129,7 +95,7 @@ inline auto Snapshot(const cmesh& mesh) {
     for (int v = 0; v < mesh.NumVerts(); ++v) points.push_back(mesh.GetVertPoint(v));
     for (int f = 0; f < mesh.NumFaces(); ++f) {
         const cface c = mesh.GetFace(f);
-        faces.emplace_back(Corners(c), Tri{c.tv[0], c.tv[1], c.tv[2]}, c.flags, c.smgroups);
+        faces.emplace_back(Corners(mesh, f), Tri{c.tv[0], c.tv[1], c.tv[2]}, c.flags, c.smgroups);
     }
     for (int e = 0; e < mesh.NumEdges(); ++e) edges.push_back(mesh.GetEdgeFlags(e));
     return std::tuple(points, faces, edges);
@@ -139,9 +105,7 @@ inline auto Snapshot(const cmesh& mesh) {
 inline ::testing::AssertionResult SmNormalIs(const cmesh& mesh, int f, int k,
                                              const cpoint3& expected) {
     cpoint3 n;
-    if (mesh.GetSmNormal(n, f, k) != 1)
-        return ::testing::AssertionFailure() << "no smoothing normal at " << f << ", " << k;
-    return Near(n, expected);
+    return mesh.GetSmNormal(n, f, k) == 1 ? Near(n, expected) : ::testing::AssertionFailure();
 }
 
 // A set of `count` entries with the given members.

@@ -5,13 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <initializer_list>
-#include <utility>
-#include <vector>
-
-#include "ccolor.h"
-#include "cpoint.h"
 #include "cscene.h"
 #include "cskin.h"
 #include "mesh/meshfixtures.h"
@@ -40,8 +33,7 @@ protected:
 
 // Fills `skin` with the given vertices and one triangle over the first three.
 inline void SetSkinPoints(cskin& skin, const std::vector<cpoint3>& points) {
-    std::vector<int> indices = {0, 1, 2};
-    ASSERT_TRUE(BuildMesh(skin, points, indices));
+    ASSERT_TRUE(BuildMesh(skin, points, {0, 1, 2}));
 }
 
 // Gives mesh vertex `vertex` a new skin vertex with the given (bone, weight) influences.
@@ -59,30 +51,21 @@ inline std::vector<cnode*> BonesOf(const cskin& skin) {
     return bones;
 }
 
-// Whether skin vertex `sv` holds exactly the given (bone, weight) influences in this order;
-// weights agree to within `eps`, or to four units in the last place when `eps` is 0.
+// Whether skin vertex `sv` holds exactly the given (bone, weight) influences in this order,
+// the weights to four units in the last place.
 inline ::testing::AssertionResult HasInfluences(
-    const cskin& skin, int sv, std::initializer_list<std::pair<int, float>> expected,
-    float eps = 0.0f) {
+    const cskin& skin, int sv, std::initializer_list<std::pair<int, float>> expected) {
     int bones[4] = {};
     float weights[4] = {};
     const int count = skin.GetInfluences(sv, bones, weights);
     using Float = ::testing::internal::FloatingPoint<float>;
     bool same = count == static_cast<int>(expected.size());
-    for (int i = 0; same && i < count; ++i) {
-        const auto [bone, weight] = expected.begin()[i];
-        same = bones[i] == bone && (eps > 0.0f ? std::fabs(weights[i] - weight) <= eps
-                                               : Float(weights[i]).AlmostEquals(Float(weight)));
-    }
+    for (int i = 0; same && i < count; ++i)
+        same = bones[i] == expected.begin()[i].first &&
+               Float(weights[i]).AlmostEquals(Float(expected.begin()[i].second));
     auto result = same ? ::testing::AssertionSuccess() : ::testing::AssertionFailure();
-    result << "skin vertex " << sv << " holds";
     for (int i = 0; i < count; ++i) result << " (" << bones[i] << ", " << weights[i] << ")";
     return result;
-}
-
-// Points compared with the looser tolerance of a chain of bone matrices.
-inline ::testing::AssertionResult NearPoint(const cpoint3& a, const cpoint3& b) {
-    return Near(a, b, 1e-4f);
 }
 
 #endif
