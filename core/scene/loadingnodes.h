@@ -15,7 +15,8 @@
 #include "cnode.h"
 #include "runtime/nameindex.h"
 
-struct LoadingNodes {
+class LoadingNodes {
+public:
     explicit LoadingNodes(size_t expected = 0) : names(expected) { nodes.reserve(expected); }
 
     std::vector<cnode*> nodes;  // in load order
@@ -68,27 +69,6 @@ struct LoadingNodes {
         return true;
     }
 
-private:
-    // Entry i is the name nodes[i] bore when it was added.
-    NameIndex names;
-    // Each node's next loaded namesake, and per first bearer its last one (-1: none). They
-    // grow only as far as the last node whose name repeats an earlier one.
-    std::vector<int> nextNamesake, lastNamesake;
-
-    int NextNamesake(int entry) const {
-        const auto at = static_cast<size_t>(entry);
-        return at < nextNamesake.size() ? nextNamesake[at] : -1;
-    }
-
-    void AddNamesake(int first, int entry) {
-        nextNamesake.resize(nodes.size(), -1);
-        lastNamesake.resize(nodes.size(), -1);
-        int& last = lastNamesake[static_cast<size_t>(first)];
-        nextNamesake[static_cast<size_t>(last < 0 ? first : last)] = entry;
-        last = entry;
-    }
-
-public:
     // A link (a light's or camera's target, a skin's bone) to a node whose record comes
     // later in the file. `link` receives the node of that name once every record is read, or
     // null when none bears it.
@@ -108,6 +88,26 @@ public:
             pending.link(found != pending.self ? found : nullptr);
         }
         pendingLinks.clear();
+    }
+
+private:
+    // Entry i is the name nodes[i] bore when it was added.
+    NameIndex names;
+    // Each node's next loaded namesake, and per first bearer its last one (-1: none). They
+    // grow only as far as the last node whose name repeats an earlier one.
+    std::vector<int> nextNamesake, lastNamesake;
+
+    int NextNamesake(int entry) const {
+        const auto at = static_cast<size_t>(entry);
+        return at < nextNamesake.size() ? nextNamesake[at] : -1;
+    }
+
+    void AddNamesake(int first, int entry) {
+        nextNamesake.resize(nodes.size(), -1);
+        lastNamesake.resize(nodes.size(), -1);
+        int& last = lastNamesake[static_cast<size_t>(first)];
+        nextNamesake[static_cast<size_t>(last < 0 ? first : last)] = entry;
+        last = entry;
     }
 };
 
