@@ -150,15 +150,11 @@ int AdjFaceList::UpdateLink(unsigned int f1, unsigned int f2, unsigned int r1, u
 int AdjFaceList::Create() {
     if (triangles_.empty() || edges_.Count() == 0) return 0;
     int result = 1;
-    const EdgeWalk walk = WalkEdgeRuns(
-        edges_, TriangleRecords{triangles_.data()},
-        [&](unsigned int lower, unsigned int higher, const unsigned int* faces, unsigned int size) {
-            // Intended: an edge of three or more triangles ends the linking with success;
-            // later edges stay open and the edge records are kept.
-            if (size > 2) return false;
-            if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
-            return result != 0;
-        });
+    // An edge of three or more triangles stops the walk: the edge records are then kept.
+    const EdgeWalk walk =
+        LinkEdgePairs(edges_, TriangleRecords{triangles_.data()}, result,
+                      [this](unsigned int f1, unsigned int f2, unsigned int lower,
+                             unsigned int higher) { return UpdateLink(f1, f2, lower, higher); });
     if (walk == EdgeWalk::kNoMemory) result = 0;
     if (walk == EdgeWalk::kStopped && result != 0) return result;
     edges_.Release();
@@ -271,14 +267,9 @@ int AdjEdgeList::Create() {
         return 0;
     }
     int result = 1;
-    const EdgeWalk walk = WalkEdgeRuns(
-        keys, CornerRecords{edges_.data()},
-        [&](unsigned int lower, unsigned int higher, const unsigned int* faces, unsigned int size) {
-            // Intended: as for faces, an edge of three or more faces ends the linking with
-            // success.
-            if (size > 2) return false;
-            if (size == 2) result = UpdateLink(faces[0], faces[1], lower, higher);
-            return result != 0;
-        });
+    const EdgeWalk walk =
+        LinkEdgePairs(keys, CornerRecords{edges_.data()}, result,
+                      [this](unsigned int f1, unsigned int f2, unsigned int lower,
+                             unsigned int higher) { return UpdateLink(f1, f2, lower, higher); });
     return walk == EdgeWalk::kNoMemory ? 0 : result;
 }

@@ -55,4 +55,20 @@ EdgeWalk WalkEdgeRuns(const AdjEdgeKeys& keys, const Records& records, OnRun onR
     return onRun(lower, higher, faces, size) ? EdgeWalk::kEveryRun : EdgeWalk::kStopped;
 }
 
+// Links the two faces of every two-face edge through link(face0, face1, lower, higher), which
+// answers 1 on success. `result` becomes 0 when a link fails, which stops the walk; else 1.
+// Intended: an edge of three or more faces ends the linking with success, and later edges
+// stay open.
+template <class Records, class Link>
+EdgeWalk LinkEdgePairs(const AdjEdgeKeys& keys, const Records& records, int& result, Link link) {
+    result = 1;
+    return WalkEdgeRuns(
+        keys, records,
+        [&](unsigned int lower, unsigned int higher, const unsigned int* faces, unsigned int size) {
+            if (size > 2) return false;
+            if (size == 2) result = link(faces[0], faces[1], lower, higher);
+            return result != 0;
+        });
+}
+
 #endif
