@@ -24,6 +24,23 @@ void ReadFromMemory(png_structp png, png_bytep out, png_size_t length) {
     reader->position += length;
 }
 
+// libpng allocates some chunks (a suggested palette, text) at the length their header claims
+// before it reads them. Every chunk's length is therefore checked against what the file holds
+// first, so that a forged length cannot ask for gigabytes.
+bool ChunksFit(Bytes file) {
+    constexpr std::size_t kSignature = 8, kFrame = 12;  // length, type, then the checksum
+    for (std::size_t at = kSignature; at < file.size;) {
+        if (file.size - at < kFrame) return false;
+        const unsigned char* word = file.data + at;
+        const std::size_t length =
+            static_cast<std::size_t>(word[0]) << 24 | word[1] << 16 | word[2] << 8 | word[3];
+        if (length > file.size - at - kFrame) return false;
+        if (std::memcmp(word + 4, "IEND", 4) == 0) break;
+        at += kFrame + length;
+    }
+    return true;
+}
+
 void Fail(png_structp png, png_const_charp /*message*/) {
     png_longjmp(png, 1);
 }
@@ -104,6 +121,7 @@ int WriteRows(png_structp png, png_infop info, std::FILE* file, png_bytep* rows,
 }  // namespace
 
 int DecodePng(Bytes file, Picture& picture) {
+    if (!ChunksFit(file)) return 0;
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, IgnoreWarning);
     if (!png) return 0;
     png_infop info = png_create_info_struct(png);

@@ -74,5 +74,11 @@ std::vector<std::string> FuzzSeeds() {
         54);
     bmp += std::string("\x00\x00\xff\x00\xff\x00\x00\x00\x00\x01\x00\x00\x01\x00\x00\x00", 16);
     seeds.push_back(bmp);
+    // A PNG whose suggested-palette chunk claims 761 MB: refused before anything is allocated.
+    seeds.push_back(std::string(
+        "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0 \0\0\0 \x02\x03\0\0\0\x0e\x14\x92g"
+        "\0\0\0\x04gAMFORMAT=32-b\x8d\x03sPLTE\0\xff=\0\xbdI\x7f\x81m*\xca/\xfb\0\0\0\0IEND"
+        "\xae\x42\x60\x82",
+        83));
     return seeds;
 }
