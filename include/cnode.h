@@ -79,7 +79,8 @@ public:
     // be inserted, removed or reordered.
 
     // 1. Detaches every child (they keep their world transform), detaches itself from its
-    // parent (keeping its own), frees the notes and the key track.
+    // parent through the parent's Detach (its own keys, which die with it, are not converted),
+    // frees the notes and the key track.
     virtual ~cnode();
     // 2. Destroys the object through its virtual destructor.
     virtual void Delete();

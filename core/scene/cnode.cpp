@@ -136,7 +136,12 @@ void cnode::Init(char const* name_, const ccolor& color_) {
 
 cnode::~cnode() {
     DetachAll(1);
-    if (parent) parent->Detach(this, 1);
+    // The parent still lets go with its world transform kept, but the node's own keys die
+    // with it: with the pointer already cleared, SetParent has nothing to convert them from.
+    if (cnode* held = parent) {
+        parent = nullptr;
+        held->Detach(this, 1);
+    }
     array_delete(notes);
 }
 

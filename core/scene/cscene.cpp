@@ -317,7 +317,9 @@ void cscene::ClearNodes() {
     selnode = nullptr;
     sublevel = 0;
     selcenter = cpoint3();
-    for (int i = 0; i < count; ++i) doomed[i]->Delete();
+    // Last to first: where parents come before their children, as in every loaded scene, the
+    // children go first, so no parent converts the keys of children that are about to go too.
+    for (int i = count; i-- > 0;) doomed[i]->Delete();
     array_delete(doomed);
 }
 

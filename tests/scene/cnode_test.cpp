@@ -102,6 +102,25 @@ TEST_F(Node, NodeMatrixIsScaleThenRotationThenTranslation) {
     EXPECT_TRUE(SameRotation(copy.GetRotation(0), node.GetRotation(0)));
 }
 
+TEST_F(Node, ADestroyedChildLeavesItsParentThroughDetach) {
+    struct Parent : cnode {
+        using cnode::cnode;
+        void Detach(const cnode* child, int notify) override {
+            told = notify;
+            cnode::Detach(child, notify);
+        }
+        int told = -1;
+    } parent("Arm");
+    auto* hand = new cnode("Hand");
+    auto* finger = new cnode("Finger");
+    parent.Attach(hand, 1);
+    parent.Attach(finger, 1);
+    hand->Delete();
+    EXPECT_EQ(Values(parent.told, parent.NumChildren()), Values(1, 1));
+    EXPECT_EQ(parent.GetChild(0), finger);
+    finger->Delete();
+}
+
 TEST_F(Node, SetParentKeepsTheWorldTransformAtEveryKeyTime) {
     cnode parent("Arm"), child("Hand"), leaf("Leaf");
     canim& track = *parent.GetAnimPtr();
