@@ -297,6 +297,12 @@ private:
     void DropNodeFromCounters(cnode* node);
     // The flag changes and counting of a node that has just joined the array.
     void JoinCounters(cnode* node);
+    // Appends `count` nodes that nothing else holds yet (none in the scene, none repeated) as
+    // AddNodeArray with a non-zero flag would, without looking for them first. Returns 0,
+    // adding none, when the array cannot grow. Only the project loader, which has just
+    // created them, knows that of its nodes.
+    int AddNewNodes(cnode** list, int count);
+    friend struct LoadedNodesHandOver;
     void SendToNodes(unsigned long msg, void* a, void* b);
 
     cnode** nodes = nullptr;  // nnodes entries, null when empty

@@ -67,21 +67,27 @@ std::vector<T*> EntriesToAdd(T* const* items, int count, T* const* list, int lis
     return added;
 }
 
-// Appends all of `added` with one allocation: the same array as appending them one at a time,
-// without copying the old entries once per entry. Returns 0, changing nothing and reporting
-// nothing, when the array cannot be allocated; the caller then goes one at a time, which
-// reports as each single append does.
-template <class T>
-int AppendAll(T**& items, int& count, const std::vector<T*>& added) {
-    if (added.empty()) return 1;
-    const unsigned long total = static_cast<unsigned long>(count) + added.size();
+// Appends the `n` entries of `added` with one allocation, the same array as appending them
+// one at a time, without copying the old entries once per entry, and calls `joined` on each
+// in order. Returns 0, changing nothing and reporting nothing, when the array cannot be
+// allocated; the caller then goes one at a time, which reports as each single append does.
+template <class T, class Joined>
+int AppendAll(T**& items, int& count, T* const* added, size_t n, Joined joined) {
+    if (n == 0) return 1;
+    const unsigned long total = static_cast<unsigned long>(count) + n;
     auto** grown = static_cast<T**>(array_new(sizeof(T*) * total));
     if (!grown) return 0;
     std::copy(items, items + count, grown);
-    std::copy(added.begin(), added.end(), grown + count);
+    std::copy(added, added + n, grown + count);
     array_delete(items);
     items = grown;
     count = static_cast<int>(total);
+    // `joined` reads each item, which is asked for a few items ahead.
+    constexpr size_t kAhead = 8;
+    for (size_t i = 0; i < n; ++i) {
+        if (i + kAhead < n) Prefetch(added[i + kAhead]);
+        joined(added[i]);
+    }
     return 1;
 }
 
@@ -92,14 +98,7 @@ template <class T, class Joined>
 int AddAllAtOnce(T**& items, int& count, T* const* list, int listCount, Joined joined) {
     try {
         const std::vector<T*> added = EntriesToAdd(items, count, list, listCount);
-        if (!AppendAll(items, count, added)) return 0;
-        // `joined` reads each item, which is asked for a few items ahead.
-        constexpr size_t kAhead = 8;
-        for (size_t i = 0; i < added.size(); ++i) {
-            if (i + kAhead < added.size()) Prefetch(added[i + kAhead]);
-            joined(added[i]);
-        }
-        return 1;
+        return AppendAll(items, count, added.data(), added.size(), joined);
     } catch (const std::bad_alloc&) {
         return 0;
     }
@@ -265,6 +264,12 @@ void cscene::AddNodeArray(cnode** list, int count, int flag) {
         if (Find(list[i]) >= 0) return;
         AddToScene(list[i], flag);
     }
+}
+
+int cscene::AddNewNodes(cnode** list, int count) {
+    if (!list || count <= 0) return count == 0;
+    return AppendAll(nodes, nnodes, list, static_cast<size_t>(count),
+                     [this](cnode* node) { JoinCounters(node); });
 }
 
 void cscene::AddToScene(cnode* node, int flag) {

@@ -35,6 +35,12 @@
 #include "runtime/prefetch.h"
 #include "scene/loadingnodes.h"
 
+// Lets the loader hand the nodes it has just created to MainScene without the scene looking
+// for each of them among its own first.
+struct LoadedNodesHandOver {
+    static void Add(cnode** nodes, int count) { MainScene.AddNewNodes(nodes, count); }
+};
+
 namespace {
 
 // ---- The header ----
@@ -312,13 +318,14 @@ std::string_view RecordName(char const* tableName, unsigned long version) {
 
 // Loaded items on their way into MainScene. They are handed over all at once, so that the
 // scene's array grows once instead of once per item; whatever MainScene has not taken is
-// destroyed with this, in load order (parents before children, as ClearNodes goes).
+// destroyed with this, from the last loaded to the first (children before parents, as
+// ClearNodes goes).
 template <class T>
 class Pending {
 public:
     explicit Pending(std::vector<T*>& items) : items(items) {}
     ~Pending() {
-        for (T* item : items) item->Delete();
+        for (auto item = items.rbegin(); item != items.rend(); ++item) (*item)->Delete();
     }
     Pending(const Pending&) = delete;
     Pending& operator=(const Pending&) = delete;
@@ -375,9 +382,9 @@ public:
     // Hands every node to the empty MainScene, in load order.
     int HandOver() {
         SetLoadingNodes(nullptr);
-        return owner.HandOver([](cnode** nodes, int n) { MainScene.AddNodeArray(nodes, n, 1); },
-                              [] { return MainScene.NumNodes(); },
-                              [](int i) { return MainScene.GetNodeAt(i); });
+        return owner.HandOver(
+            LoadedNodesHandOver::Add, [] { return MainScene.NumNodes(); },
+            [](int i) { return MainScene.GetNodeAt(i); });
     }
 
 private:
