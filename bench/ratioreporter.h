@@ -26,7 +26,7 @@ public:
         if (a > 0.0 && b > 0.0) std::printf("ratio %s: %.2f\n", label, a / b);
     }
 
-private:
+    // The median time of benchmark `name` over its repetitions; 0 when it did not run.
     double Median(const std::string& name) {
         std::vector<double>& t = times_[name];
         if (t.empty()) return 0.0;
@@ -34,6 +34,7 @@ private:
         return t[t.size() / 2];
     }
 
+private:
     std::map<std::string, std::vector<double>> times_;
 };
 
