@@ -91,7 +91,15 @@ struct FieldDecoder {
     // A name field of `size` (> 0) bytes into `name`, which has room for `size` bytes and is
     // always terminated: a field without a terminator keeps its first size - 1 characters.
     FieldDecoder& Name(char* name, unsigned int size) {
-        std::memcpy(name, at, size - 1);
+        // The two sizes that records use are copied with fixed lengths, which become a few
+        // vector moves; a length known only when running becomes a string instruction that
+        // is slow to start and makes the next read of the name wait for its stores.
+        if (size == 64)
+            std::memcpy(name, at, 63);
+        else if (size == 32)
+            std::memcpy(name, at, 31);
+        else
+            std::memcpy(name, at, size - 1);
         name[size - 1] = '\0';
         at += size;
         return *this;
