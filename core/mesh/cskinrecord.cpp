@@ -42,8 +42,12 @@ int WriteSkinVert(cio_save& out, const cskinvert& sv) {
     return ok;
 }
 
-// An influence in use names a bone of the record and has a finite positive weight.
-bool ValidInfluence(const cskininfluence& in, int numBones) {
+// An influence in use names a bone of the record that no earlier influence of the vertex
+// names (removing a bone forgets one influence per vertex) and has a finite positive weight.
+bool ValidInfluence(const cskinvert& sv, int k, int numBones) {
+    const cskininfluence& in = sv.influences[k];
+    for (int j = 0; j < k; ++j)
+        if (sv.influences[j].bone == in.bone) return false;
     return in.bone >= 0 && in.bone < numBones && std::isfinite(in.weight) && in.weight > 0.0f;
 }
 
@@ -52,7 +56,7 @@ int ReadSkinVert(cio_load& in, int numBones, cskinvert& sv) {
     for (int k = 0; k < SKIN_MAX_INFLUENCES; ++k) {
         cskininfluence& influence = sv.influences[k];
         if (!ReadInt32(in, influence.bone) || !ReadFloat(in, influence.weight)) return 0;
-        if (k < sv.count && !ValidInfluence(influence, numBones)) return 0;
+        if (k < sv.count && !ValidInfluence(sv, k, numBones)) return 0;
         if (k >= sv.count) influence = cskininfluence();
     }
     return 1;

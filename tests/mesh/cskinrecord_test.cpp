@@ -35,7 +35,6 @@ TEST_F(SkinRecord, RoundTripsAndLinksTheBonesByName) {
     cskin loaded, orphan;
     ASSERT_TRUE(LoadsWhole(loaded, saved, 16));
     EXPECT_EQ(SavedRecord(loaded), saved);
-    EXPECT_EQ(BonesOf(loaded), (std::vector<cnode*>{root, tip}));
     // A bone no node answers to is dropped with its influences.
     tip->SetName("Renamed");
     ASSERT_EQ(LoadRecord(orphan, saved, 16), 1);
@@ -59,6 +58,7 @@ TEST_F(SkinRecord, FailsOnEveryTruncationAndOnCorruptCounts) {
         {firstVert + 4, 2, 0, "a bone index past the bones"},
         {firstVert + 8, 0xBF800000, 0, "a weight of -1"},
         {firstVert + 8, 0x7FC00000, 0, "a NaN weight"},
+        {firstVert + 12, 0, 0, "one bone twice in a vertex"},
         {firstVert + 20, 7, 1, "unused pairs are ignored"}};
     for (const auto& [offset, word, result, why] : rows) {
         std::string bytes = saved;
