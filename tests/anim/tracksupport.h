@@ -2,11 +2,6 @@
 #ifndef ORVANE_TESTS_ANIM_TRACKSUPPORT_H
 #define ORVANE_TESTS_ANIM_TRACKSUPPORT_H
 
-#include <cstdint>
-#include <initializer_list>
-#include <string>
-#include <vector>
-
 #include "support/bytestring.h"
 #include "support/testsupport.h"
 

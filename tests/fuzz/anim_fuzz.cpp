@@ -7,9 +7,6 @@
 // Assertion reports (a record may name key times no key has) return here instead of ending
 // the process, as they do in a host with an abort hook.
 #include <climits>
-#include <cstdio>
-#include <string>
-#include <vector>
 
 #include "canim.h"
 #include "coreinterface.h"
@@ -71,8 +68,8 @@ void LoadTrack(const std::string& input, std::size_t size, unsigned long version
     Track track;
     track.SetKey(key);
     if (!LoadRecord(track, input, version)) {
-        FUZZ_CHECK(track.NumKeys() == 0 && track.Capacity() == 0);
-        FUZZ_CHECK(track.GetFirstKeyTime() == 0 && track.GetLastKeyTime() == 0);
+        FUZZ_CHECK(track.NumKeys() == 0 && track.Capacity() == 0 && track.GetFirstKeyTime() == 0 &&
+                   track.GetLastKeyTime() == 0);
         return;
     }
     const std::vector<int> times = TimesOf(track, key);
@@ -80,18 +77,16 @@ void LoadTrack(const std::string& input, std::size_t size, unsigned long version
     FUZZ_CHECK(12 + times.size() * KeyBytes(track, version) <= size);
     for (std::size_t i = 1; i < times.size(); ++i) FUZZ_CHECK(times[i - 1] < times[i]);
     Track loaded;
-    FUZZ_CHECK(LoadRecord(loaded, SaveRecord(track), 16) == 1);
-    FUZZ_CHECK(TimesOf(loaded, key) == times);
-    FUZZ_CHECK(loaded.GetFirstKeyTime() == track.GetFirstKeyTime());
-    FUZZ_CHECK(loaded.GetLastKeyTime() == track.GetLastKeyTime());
+    FUZZ_CHECK(LoadRecord(loaded, SaveRecord(track), 16) == 1 && TimesOf(loaded, key) == times);
+    FUZZ_CHECK(loaded.GetFirstKeyTime() == track.GetFirstKeyTime() &&
+               loaded.GetLastKeyTime() == track.GetLastKeyTime());
     Exercise(track, key, times);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool silenced = (SilenceReports(), true);
-    (void)silenced;
+    [[maybe_unused]] static const bool silenced = (SilenceReports(), true);
     const std::string input = FuzzFile(data, size);
     for (unsigned long version : kVersions) {
         LoadTrack<canim>(input, size, version, ckey(0, cpoint3(1, 2, 3), cquat(), cpoint3()));
@@ -103,22 +98,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 std::vector<std::string> FuzzSeeds() {
     ByteString transforms;
-    transforms.Ints({3, -40, 80});
-    transforms.Ints({-40}).Floats({0, 0, 0, 0, 0, 0, 1, 1, 1, 1});
+    transforms.Ints({3, -40, 80, -40}).Floats({0, 0, 0, 0, 0, 0, 1, 1, 1, 1});
     transforms.Ints({0}).Floats({1, 2, 3, 0, 0.7071068f, 0, 0.7071068f, 1, 2, 1});
     transforms.Ints({80}).Floats({-5, 0, 9, 0, 0, 0.5f, 0.8660254f, 2, 2, 2});
-
     ByteString fovs;
-    fovs.Ints({4, 0, 120}).Ints({0}).Floats({53}).Ints({1}).Floats({50}).Ints({2}).Floats({45});
+    fovs.Ints({4, 0, 120, 0}).Floats({53}).Ints({1}).Floats({50}).Ints({2}).Floats({45});
     fovs.Ints({120}).Floats({30});
-
     ByteString lights;  // the newest layout
-    lights.Ints({2, 0, 40}).Ints({0}).Floats({1, 1, 1, 1, 43, 45, 256, 1});
+    lights.Ints({2, 0, 40, 0}).Floats({1, 1, 1, 1, 43, 45, 256, 1});
     lights.Ints({40}).Floats({0.5f, 0.2f, 0.1f, 1, 30, 35, 100, 2.5f});
-
     ByteString oldLights;  // version 3: no range, two ignored words
-    oldLights.Ints({2, -8, 8}).Ints({-8}).Floats({1, 0, 0, 1, 20, 25, 1});
+    oldLights.Ints({2, -8, 8, -8}).Floats({1, 0, 0, 1, 20, 25, 1});
     oldLights.Ints({0, 0, 8}).Floats({0, 0, 1, 1, 40, 45, 3}).Ints({7, 9});
-
     return {transforms.bytes, fovs.bytes, lights.bytes, oldLights.bytes};
 }

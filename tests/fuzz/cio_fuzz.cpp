@@ -6,10 +6,7 @@
 // it was, so a field never claims more than the file holds; the position stays within the file and
 // the stream keeps agreeing with the file's length.
 #include <array>
-#include <cstdint>
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "ciofields.h"
 #include "fuzz/fuzztarget.h"
@@ -27,9 +24,14 @@ struct Step {
     unsigned long LeftNow() const { return static_cast<unsigned long>(size - in.GetPosition()); }
 };
 
+// The field type a reader fills.
+template <class T>
+T FieldOf(int (*)(cio_load&, T&));
+
 // A fixed-size field, as wide in the file as in memory, read into memory filled with a marker.
-template <class T, int (*Read)(cio_load&, T&)>
-void ReadPod(const Step& step) {
+template <auto Read>
+void Pod(const Step& step) {
+    using T = decltype(FieldOf(Read));
     std::array<unsigned char, sizeof(T)> before;
     before.fill(0x5A);
     T value;
@@ -40,7 +42,7 @@ void ReadPod(const Step& step) {
 
 // A name field must also come back terminated.
 template <unsigned int Size>
-void ReadNameField(const Step& step) {
+void Name(const Step& step) {
     std::array<char, Size> name, before;
     before.fill('z');
     name = before;
@@ -79,20 +81,14 @@ void Seek(const Step& step) {
 constexpr unsigned char kInt32 = 0, kUInt32 = 1, kUInt16 = 2, kUInt8 = 3, kFloat = 4, kPoint3 = 5,
                         kQuat = 6, kColor = 7, kName64 = 8, kName32 = 9, kText = 10, kSkip = 11,
                         kRead = 12, kSeek = 13, kStepCount = 14;
-void (*const kSteps[kStepCount])(const Step&) = {ReadPod<int, ReadInt32>,
-                                                 ReadPod<unsigned int, ReadUInt32>,
-                                                 ReadPod<unsigned short, ReadUInt16>,
-                                                 ReadPod<unsigned char, ReadUInt8>,
-                                                 ReadPod<float, ReadFloat>,
-                                                 ReadPod<cpoint3, ReadPoint3>,
-                                                 ReadPod<cquat, ReadQuat>,
-                                                 ReadPod<ccolor, ReadColor>,
-                                                 ReadNameField<NAME_FIELD_SIZE>,
-                                                 ReadNameField<OLD_NAME_FIELD_SIZE>,
-                                                 ReadTextField,
-                                                 SkipBytes,
-                                                 ReadRaw,
-                                                 Seek};
+using StepFunction = void (*)(const Step&);
+const StepFunction kSteps[kStepCount] = {Pod<ReadInt32>,  Pod<ReadUInt32>,
+                                         Pod<ReadUInt16>, Pod<ReadUInt8>,
+                                         Pod<ReadFloat>,  Pod<ReadPoint3>,
+                                         Pod<ReadQuat>,   Pod<ReadColor>,
+                                         Name<64>,        Name<32>,
+                                         ReadTextField,   SkipBytes,
+                                         ReadRaw,         Seek};
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 //
 // A target is built twice: as a libFuzzer binary when CORE_BUILD_FUZZ is on (clang only), and
 // always as <name>_replay, which runs it in ctest over a fixed set of generated inputs.
+// The standard headers included here are the targets' common vocabulary.
 #ifndef ORVANE_TESTS_FUZZ_FUZZTARGET_H
 #define ORVANE_TESTS_FUZZ_FUZZTARGET_H
 
@@ -63,6 +64,16 @@ int LoadRecord(T& object, const std::string& path, unsigned long version) {
     cio_load in;
     FUZZ_CHECK(in.Open(path.c_str()) == 0);
     return object.Load(in, version);
+}
+
+// Checks that a record `object` saves loads, as the newest version, into a T that saves a
+// record of the same length.
+template <class T>
+void CheckSavedRecordReloads(const T& object) {
+    const std::size_t length = ReadFileBytes(SaveRecord(object)).size();
+    T again;
+    FUZZ_CHECK(LoadRecord(again, FuzzPath("saved"), 16) == 1);
+    FUZZ_CHECK(ReadFileBytes(SaveRecord(again)).size() == length);
 }
 
 #endif

@@ -4,7 +4,6 @@
 // refuse a file without the magic or with a version above 16, and keep a table only when the
 // file holds every name it counts. Lookups through a kept table answer scene objects or null.
 #include <cstring>
-#include <string>
 
 #include "cmaterial.h"
 #include "cnode.h"
@@ -17,10 +16,7 @@
 namespace {
 
 // Scene objects bearing the seeds' names, so that lookups find something.
-void FillSceneOnce() {
-    static bool filled = false;
-    if (filled) return;
-    filled = true;
+void FillScene() {
     MainScene.AddNode(new cnode("Box01", ccolor()), 1);
     MainScene.AddNode(new cnode("Sphere01", ccolor()), 1);
     MainScene.AddMaterial(new cmaterial("Chrome"), 1);
@@ -56,7 +52,7 @@ void CheckReader(cio_load& in, const std::uint8_t* data, std::size_t size, int (
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    FillSceneOnce();
+    [[maybe_unused]] static const bool filled = (FillScene(), true);
     cio_load in;
     FUZZ_CHECK(in.Open(FuzzFile(data, size).c_str()) == 0);
     FUZZ_CHECK(in.SetPosition(static_cast<long>(size / 2), 0) == 0);

@@ -3,10 +3,6 @@
 // The input is written to a file and loaded. A load either fails or hands out a picture within
 // the size limits whose every byte can be read, with an alpha buffer exactly when some pixel
 // is not opaque, repeating the pixels' fourth bytes.
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <vector>
 
 #include "fuzz/fuzztarget.h"
 #include "pictolib.h"
@@ -14,8 +10,7 @@
 namespace {
 
 void CheckPicture(unsigned char const* bits, unsigned char const* alpha, int width, int height) {
-    FUZZ_CHECK(bits != nullptr);
-    FUZZ_CHECK(width >= 1 && width <= 16384 && height >= 1 && height <= 16384);
+    FUZZ_CHECK(bits && width >= 1 && width <= 16384 && height >= 1 && height <= 16384);
     const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     FUZZ_CHECK(count <= (std::size_t{1} << 25));
     bool anyTransparent = false;

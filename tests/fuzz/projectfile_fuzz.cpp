@@ -7,8 +7,6 @@
 // counters that agree with the flags, a clock within its range, a key in every track; saved
 // again, it must load again with the same nodes and materials in the same order.
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "fuzz/fuzztarget.h"
 #include "projectfile.h"

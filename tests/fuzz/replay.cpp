@@ -9,14 +9,10 @@
 // overwritten by extreme values. Each input's bytes are written to replay-last.bin in the
 // working folder before it runs, and the file is removed when every input passed: after a
 // crash (a failed check, a signal or a sanitizer report) it holds the input that caused it.
-#include <cstdint>
-#include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "fuzz/fuzztarget.h"
 
@@ -64,11 +60,11 @@ std::vector<std::string> GeneratedInputs() {
 }
 
 int WriteSeeds(const std::string& folder) {
+    if (!std::filesystem::is_directory(folder))
+        return std::fprintf(stderr, "no folder %s\n", folder.c_str()), 1;
     const std::vector<std::string> seeds = FuzzSeeds();
     for (std::size_t i = 0; i < seeds.size(); ++i)
-        if (!(std::ofstream(folder + "/seed-" + std::to_string(i) + ".bin", std::ios::binary)
-              << seeds[i]))
-            return 1;
+        WriteFileBytes(folder + "/seed-" + std::to_string(i) + ".bin", seeds[i]);
     std::printf("replay: wrote %zu seeds to %s\n", seeds.size(), folder.c_str());
     return 0;
 }
@@ -79,12 +75,8 @@ int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], "--write-seeds") == 0) return WriteSeeds(argv[2]);
     std::vector<std::string> inputs = argc > 1 ? std::vector<std::string>() : GeneratedInputs();
     for (int i = 1; i < argc; ++i) {
-        std::ifstream file(argv[i], std::ios::binary);
-        if (!file) {
-            std::fprintf(stderr, "replay: cannot read %s\n", argv[i]);
-            return 1;
-        }
-        inputs.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+        if (!std::ifstream(argv[i])) return std::fprintf(stderr, "cannot read %s\n", argv[i]), 1;
+        inputs.push_back(ReadFileBytes(argv[i]));
     }
     for (const std::string& input : inputs) {
         WriteFileBytes(kLastInput, input);

@@ -47,7 +47,6 @@ TEST_F(ReferenceHostTest, InstallFillsEveryCallbackAndTheApplicationFolder) {
 TEST_F(ReferenceHostTest, ClockSettersMoveTheLibrarysClockAndTheNodesFollow) {
     SetAnimOn(1);
     cnode* node = AddNode("Slider");
-    node->SetPosition(0, cpoint3(0.0f, 0.0f, 0.0f));
     SetAnimTime(80);  // the library's own setter: the node is not told
     node->SetPosition(80, cpoint3(40.0f, -8.0f, 0.0f));
     Interface::SetAnimTime(20);
@@ -74,14 +73,13 @@ TEST_F(ReferenceHostTest, NewEmptiesTheSceneAndResetsClockUndoAndProject) {
     EXPECT_STREQ(name, "robot.orv");
     Interface::SetAnimOn(1);
     Interface::SetAnimTime(60);
-    char create[] = "Create";
-    ASSERT_EQ(theUndo.Begin(UNDO_CREATE, create), 1);
+    ASSERT_EQ(theUndo.Begin(UNDO_CREATE, nullptr), 1);
     AddNode("Extra");
     theUndo.End();
 
     Interface::New(0, 0, 0);
-    EXPECT_EQ(theUndo.NumLevels(), 0) << "levels of the old scene are dropped";
-    EXPECT_EQ(Interface::NumNodes() + GetAnimTime() + IsAnimOn(), 0);
+    EXPECT_EQ(theUndo.NumLevels() + Interface::NumNodes() + GetAnimTime() + IsAnimOn(), 0)
+        << "no undo levels of the old scene, no nodes, the clock at 0 and not recording";
     EXPECT_EQ(host.GetState().views[0].camera, nullptr);
     EXPECT_EQ(ProjectFile(), "Untitled");
 }

@@ -14,26 +14,20 @@
 namespace {
 
 TEST(RecordFields, WriteLittleEndianBytesAndReadFloatsBitForBit) {
-    const std::string bytes =
-        ByteString()
-            .Ints({-2, 0xDEADBEEF})
-            .Word(0xBEEF, 2)
-            .Byte(0xA5)
-            .Floats({-2.5f, 1, -2.5f, 0.5f, 0.5f, 0, -2.5f, 1, 0.5f, 0.25f, 1, 0})
-            .Text(std::string("h\0i", 3))
-            .bytes;
-    const cquat q = MakeQuat(0.5f, 0.0f, -2.5f, 1.0f);
+    // The other fields are compared byte for byte by every record's test; so is reading back.
+    const std::string bytes = ByteString()
+                                  .Ints({0xDEADBEEF})
+                                  .Byte(0xA5)
+                                  .Floats({0.5f, 0, -2.5f, 1})
+                                  .Text(std::string("h\0i", 3))
+                                  .bytes;
     EXPECT_EQ(Saved([&](cio_save& o) {
-                  EXPECT_TRUE(WriteInt32(o, -2) && WriteUInt32(o, 0xDEADBEEFu) &&
-                              WriteUInt16(o, 0xBEEF) && WriteUInt8(o, 0xA5) &&
-                              WriteFloat(o, -2.5f) && WritePoint3(o, cpoint3(1.0f, -2.5f, 0.5f)) &&
-                              WriteQuat(o, q) && WriteColor(o, ccolor(0.5f, 0.25f, 1.0f, 0.0f)) &&
+                  EXPECT_TRUE(WriteUInt32(o, 0xDEADBEEFu) && WriteUInt8(o, 0xA5) &&
+                              WriteQuat(o, MakeQuat(0.5f, 0.0f, -2.5f, 1.0f)) &&
                               WriteText(o, std::string("h\0i", 3)));
               }),
               bytes);
-
-    // Reading back is exercised by every record's test; floats keep their bits: signed zero,
-    // quiet and signalling NaNs, infinity, denormals.
+    // Floats keep their bits: signed zero, quiet and signalling NaNs, infinity, denormals.
     for (const std::uint32_t bits :
          {0x80000000u, 0x7FC00001u, 0x7F800001u, 0xFF800000u, 0x00000001u}) {
         float f, back;
@@ -71,7 +65,7 @@ TEST(RecordFields, FieldsAcrossTheStreamsBlockEdgeReadWhole) {
     EXPECT_EQ(next, -7);
     // Back to the straddling field, then to a byte of the earlier block.
     ASSERT_EQ(file.in.SetPosition(kBefore + 12, 0), 0);
-    ASSERT_EQ(ReadFloat(file.in, read.x) + ReadInt32(file.in, next) + ReadInt32(file.in, last), 3);
+    ASSERT_TRUE(ReadFloat(file.in, read.x) && ReadInt32(file.in, next) && ReadInt32(file.in, last));
     EXPECT_EQ(std::vector<float>({read.x, static_cast<float>(next), static_cast<float>(last),
                                   static_cast<float>(file.in.BytesLeft())}),
               std::vector<float>({4, -7, 9, 0}));

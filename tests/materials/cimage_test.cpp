@@ -2,9 +2,8 @@
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -35,9 +34,8 @@ Ints TextureState(GLuint id) {
     Ints values;
     glBindTexture(GL_TEXTURE_2D, id);
     for (GLenum name :
-         {GL_TEXTURE_MAG_FILTER, GL_TEXTURE_MIN_FILTER, GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
+         {GL_TEXTURE_MAG_FILTER, GL_TEXTURE_MIN_FILTER, GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})
         glGetTexParameteriv(GL_TEXTURE_2D, name, &values.emplace_back(-1));
-    }
     for (auto [level, name] :
          {std::pair{0, GL_TEXTURE_WIDTH}, {0, GL_TEXTURE_HEIGHT}, {3, GL_TEXTURE_WIDTH}})
         glGetTexLevelParameteriv(GL_TEXTURE_2D, level, name, &values.emplace_back(-1));
@@ -73,7 +71,7 @@ TEST(ImageFrames, FrameIndexFollowsRateStartFreezeAndFramesFlag) {
 TEST(ImageLoad, ReadsPixelsWithAlphaFromTheStoredPathTheWorkingFolderOrMapsAndKeepsOnFailure) {
     TempDir work;
     AssertRecorder recorder;  // points path_app at its own folder
-    ASSERT_EQ(::mkdir((recorder.Folder() + "/Maps").c_str(), 0755), 0);
+    ASSERT_TRUE(std::filesystem::create_directory(recorder.Folder() + "/Maps"));
     ASSERT_TRUE(SolidPicture(recorder.Folder() + "/Maps/wood.png", "#804020", 3, 1));
     ASSERT_TRUE(
         Convert("-size 1x1 xc:red -size 1x1 xc:blue +append -size 2x1 "
@@ -81,9 +79,8 @@ TEST(ImageLoad, ReadsPixelsWithAlphaFromTheStoredPathTheWorkingFolderOrMapsAndKe
                 work.File("pic.png")));
     WriteFileBytes(work.File("bad.png"), std::string("\x89PNG\r\n\x1a\ngarbage", 16));
     WriteFileBytes(work.File("bad.avi"), "RIFF....AVI nothing");
-    char cwd[4096];
-    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
-    ASSERT_EQ(::chdir(work.Path().c_str()), 0);
+    const std::filesystem::path cwd = std::filesystem::current_path();
+    std::filesystem::current_path(work.Path());
 
     cimage image;
     EXPECT_EQ(image.Load("/gone/folder/pic.png"), 1);
@@ -105,7 +102,7 @@ TEST(ImageLoad, ReadsPixelsWithAlphaFromTheStoredPathTheWorkingFolderOrMapsAndKe
     }
     image.Clear();
     EXPECT_STREQ(image.GetPathNamePtr(), "<empty>");
-    ASSERT_EQ(::chdir(cwd), 0);
+    std::filesystem::current_path(cwd);
 }
 
 TEST(ImageSetBits, ConvertsEveryDepthAndRefusesTheRest) {

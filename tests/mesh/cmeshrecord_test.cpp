@@ -65,11 +65,7 @@ TEST(MeshRecord, WritesTheNewestLayoutAfterTheBaseRecordAndReadsItBack) {
     const std::string bytes = SavedRecord(mesh);
     EXPECT_EQ(bytes.substr(bytes.size() - payload.bytes.size()), payload.bytes);
     ASSERT_TRUE(LoadsWhole(loaded, bytes, 16));
-    EXPECT_TRUE(Snapshot(loaded) == Snapshot(mesh));
-    EXPECT_EQ(std::tuple(loaded.GetFaceMaterial(0), loaded.GetTVert(0), loaded.GetNormal(1),
-                         loaded.GetVertColor(1), loaded.GetSkinVertIndex(2)),
-              std::tuple(materials.glass, cpoint3(0.25f, 0.75f, 0), cpoint3(0, 0, 1),
-                         ccolor(1.0f, 0.5f, 0.25f, 1.0f), 9u));
+    EXPECT_EQ(SavedRecord(loaded), bytes);
     // The centres and smoothing normals are rebuilt.
     EXPECT_TRUE(Near(loaded.GetSelFacesCenter(), cpoint3(0.5f, 1, 0)));
     EXPECT_TRUE(SmNormalIs(loaded, 0, 0, cpoint3(0, 0, -1)));

@@ -11,11 +11,9 @@ namespace {
 
 using SkinBones = SkinTest;
 using SkinDeform = SkinTest;
-using Bones = std::vector<cnode*>;
 
 TEST_F(SkinBones, KeepAnOrderedListOfDistinctBonesAndUpToFourHeaviestWeights) {
     cskin skin;
-    EXPECT_EQ(skin.GetTypeID(), TYPE_SKIN);
     cnode* a = AddBoneNode("A", cpoint3(1, 2, 3));
     for (const char* name : {"B1", "B2", "B3", "B4"}) skin.AddBone(AddBoneNode(name, cpoint3()));
     // Refused: no node, the skin itself, a bone already held.
@@ -89,7 +87,7 @@ TEST_F(SkinDeform, DropsDeletedBonesAndFollowsReplacedOnes) {
     Application_InformDeleted = [](cnode*) {};
     MainScene.DeleteNodeForGood(doomed);
     Application_InformDeleted = savedInform;
-    EXPECT_EQ(BonesOf(*skin), (Bones{kept}));
+    EXPECT_EQ(BonesOf(*skin), (std::vector<cnode*>{kept}));
     EXPECT_TRUE(HasInfluences(*skin, 0, {}));
     EXPECT_TRUE(HasInfluences(*skin, 1, {{0, 1.0f}}));
     EXPECT_EQ(skin->HandleMessage(MSG_NODE_REPLACED, kept, stand), 1);

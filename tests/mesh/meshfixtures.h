@@ -8,7 +8,6 @@
 #include <array>
 #include <cmath>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "cmesh.h"
@@ -84,21 +83,6 @@ inline ::testing::AssertionResult Near(const cpoint3& a, const cpoint3& b, float
         std::fabs(a.x - b.x) <= eps && std::fabs(a.y - b.y) <= eps && std::fabs(a.z - b.z) <= eps;
     return (near ? ::testing::AssertionSuccess() : ::testing::AssertionFailure())
            << a.x << " " << a.y << " " << a.z << " vs " << b.x << " " << b.y << " " << b.z;
-}
-
-// Every vertex position, every face's corners, texture corners, flags and smoothing groups, and
-// every edge flag: two meshes with equal snapshots hold the same arrays.
-inline auto Snapshot(const cmesh& mesh) {
-    std::vector<cpoint3> points;
-    std::vector<std::tuple<Tri, Tri, int, std::uint32_t>> faces;
-    std::vector<int> edges;
-    for (int v = 0; v < mesh.NumVerts(); ++v) points.push_back(mesh.GetVertPoint(v));
-    for (int f = 0; f < mesh.NumFaces(); ++f) {
-        const cface c = mesh.GetFace(f);
-        faces.emplace_back(Corners(mesh, f), Tri{c.tv[0], c.tv[1], c.tv[2]}, c.flags, c.smgroups);
-    }
-    for (int e = 0; e < mesh.NumEdges(); ++e) edges.push_back(mesh.GetEdgeFlags(e));
-    return std::tuple(points, faces, edges);
 }
 
 // Whether corner `k` of face `f` has a smoothing normal and it is near `expected`.

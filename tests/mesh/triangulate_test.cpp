@@ -86,8 +86,6 @@ TEST(Triangulate, ClipsEarsInContourOrderPerPlane) {
         {"clockwise", 1, {{0, 0}, {0, 1}, {1, 1}, {1, 0}}, true, {{0, 3, 2}, {2, 1, 0}}},
         {"dent", 1, {{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}}, true,
             {{1, 2, 3}, {3, 4, 0}, {0, 1, 3}}},
-        {"L", 1, {{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}}, true,
-            {{0, 1, 2}, {3, 4, 5}, {0, 2, 3}, {3, 5, 0}}},
         {"too short", 1, {{0, 0}, {1, 0}}, false, {}},
         {"collinear", 1, {{0, 0}, {1, 1}, {2, 2}}, false, {}},
         {"repeated corner", 1, {{0, 0}, {4, 0}, {4, 4}, {0, 4}, {0, 0}}, false, {{1, 2, 3}}},
@@ -104,12 +102,11 @@ TEST(Triangulate, ClipsEarsInContourOrderPerPlane) {
         EXPECT_EQ(Triples(out), row.triangles) << row.why;
         Array<TriVertex> points;
         EXPECT_EQ(Triangulate::Process(row.plane, Contour(row.contour), points), row.ok) << row.why;
-        std::vector<Point> got, corners;
-        for (const Tri& t : row.triangles)
-            for (int i : t) corners.push_back(row.contour[static_cast<size_t>(i)]);
+        ASSERT_EQ(points.Count(), 3 * static_cast<int>(row.triangles.size())) << row.why;
         for (int i = 0; i < points.Count(); ++i)
-            got.push_back({points[i].GetX(), points[i].GetY(), points[i].GetZ()});
-        EXPECT_EQ(got, corners) << row.why;
+            EXPECT_EQ(Point({points[i].GetX(), points[i].GetY(), points[i].GetZ()}),
+                      row.contour[static_cast<size_t>(row.triangles[i / 3][i % 3])])
+                << row.why << i;
     }
 }
 

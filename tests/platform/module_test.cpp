@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <link.h>
 
+#include <string>
+
 #include "coreinterface.h"
 #include "coreplatform.h"
 
@@ -15,13 +17,10 @@ TEST(ModuleHandle, IsTheLibrarysOwnLoadAddressFromTheMomentItIsLoaded) {
     dlclose(library);
 
     // The ELF header sits at the start of the mapping: the handle points at "\x7f" "ELF".
-    const auto* handle = reinterpret_cast<const unsigned char*>(GetCoreModuleHandle());
+    const auto* handle = reinterpret_cast<const char*>(GetCoreModuleHandle());
     ASSERT_NE(handle, nullptr);
     EXPECT_EQ(reinterpret_cast<ElfW(Addr)>(handle), map->l_addr);
-    EXPECT_EQ(handle[0], 0x7f);
-    EXPECT_EQ(handle[1], 'E');
-    EXPECT_EQ(handle[2], 'L');
-    EXPECT_EQ(handle[3], 'F');
+    EXPECT_EQ(std::string(handle, handle + 4), "\177ELF");
 }
 
 }  // namespace

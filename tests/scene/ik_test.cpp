@@ -1,10 +1,5 @@
 #include "ik.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-#include "cnode.h"
 #include "scene/aimednodes.h"
 
 using IK = AnimClockTest;
@@ -18,9 +13,7 @@ TEST_F(IK, ReachesWhatItCanKeepingTheBoneLengths) {
     const struct {
         cpoint3 target, hand;
         int depth, locked;
-    } rows[] = {{cpoint3(2, 2, 0), cpoint3(2, 2, 0), 2, 0},
-                {cpoint3(-1, 1.5f, 2), cpoint3(-1, 1.5f, 2), 2, 0},
-                {cpoint3(0, 0, 3.9f), cpoint3(0, 0, 3.9f), 2, 0},
+    } rows[] = {{cpoint3(-1, 1.5f, 2), cpoint3(-1, 1.5f, 2), 2, 0},
                 {cpoint3(0, 8, 0), cpoint3(0, 4, 0), 2, 0},
                 {cpoint3(0, 2, 0), pointing, 1, 0},
                 {cpoint3(0, 2, 0), pointing, 2, 1}};

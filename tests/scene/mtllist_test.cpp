@@ -2,12 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "cmaterial.h"
-#include "cscene.h"
 #include "scene/projectfile.h"
-#include "support/testsupport.h"
 
 // The reading itself is the node table's mechanism; this checks the material table's wiring.
 TEST(MtlList, ReadsTheMaterialTableNotTheNodeTable) {

@@ -2,13 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-#include "cnode.h"
-#include "cscene.h"
 #include "scene/projectfile.h"
-#include "support/testsupport.h"
 
 namespace {
 
@@ -19,16 +13,15 @@ protected:
         MainScene.Clear();
     }
     // Reads the node names of the file `bytes` from stream position `position`.
-    int Read(const std::string& bytes, long position = 0) {
-        const std::string path = folder.File("project.orv");
+    int Read(const std::string& bytes, long position) {
         WriteFileBytes(path, bytes);
         in.Close();
-        EXPECT_EQ(in.Open(path.c_str()), 0);
-        EXPECT_EQ(in.SetPosition(position, 0), 0);
+        EXPECT_TRUE(in.Open(path.c_str()) == 0 && in.SetPosition(position, 0) == 0);
         return NodeList::ReadNodeNames(in);
     }
 
     TempDir folder;
+    const std::string path = folder.File("project.orv");
     cio_load in;
 };
 
@@ -39,7 +32,6 @@ TEST_F(NodeListTest, AnswersTheSceneNodeBearingEachStoredName) {
     for (cnode* node : {sphere, box, longName}) MainScene.AddNode(node, 1);
     ProjectFile file;
     file.nodes = {"Box01", "Camera01", "Sphere01", std::string(70, 'n')};
-    file.materials = {"Chrome"};
     ASSERT_EQ(Read(file.Bytes(), 100), 1);
     EXPECT_EQ(in.GetPosition(), 100) << "the position is restored";
     // A 64-byte field without a terminator is read as its first 63 characters.
@@ -51,25 +43,23 @@ TEST_F(NodeListTest, AnswersTheSceneNodeBearingEachStoredName) {
     EXPECT_EQ(NodeList::GetNodeAt(1), box) << "without a table the scene's order answers";
 }
 
-TEST_F(NodeListTest, RefusesForeignNewerAndInconsistentFiles) {
-    ProjectFile good, newer, wrongMagic;
+// The replayed fuzz target covers foreign magic, short headers and newer versions.
+TEST_F(NodeListTest, RefusesInconsistentFilesDroppingTheTableReadBefore) {
+    ProjectFile good;
     good.nodes = {"a", "b"};
-    newer.version = 17;
-    wrongMagic.magic = "VRO#";
     const std::string bytes = good.Bytes();
     std::string absurd = bytes;
     ProjectFile::SetWord(absurd, kNodeCountAt, 0x7FFFFFFF);
     ProjectFile::SetWord(absurd, 72, 0x7FFFFFFF);
-    // A refused read also drops a table read before, restores the position and allocates
-    // nothing; the magic's bytes reversed, a short header, the last name cut off, a count far
-    // beyond the file.
-    for (const std::string& refused : {newer.Bytes(), wrongMagic.Bytes(), bytes.substr(0, 71),
-                                       bytes.substr(0, 72 + 4 + 64 + 60), absurd}) {
-        ASSERT_EQ(Read(bytes), 1);
+    // A refused read also restores the position and allocates nothing; the last name cut off,
+    // a count far beyond the file.
+    for (const std::string& refused : {bytes.substr(0, 72 + 4 + 64 + 60), absurd}) {
+        ASSERT_EQ(Read(bytes, 0), 1);
         AssertRecorder recorder;
         EXPECT_EQ(Read(refused, 5), 0) << refused.size();
-        EXPECT_EQ(NodeList::IsLoaded() + recorder.Count(), 0) << refused.size();
-        EXPECT_EQ(in.GetPosition(), 5) << refused.size();
+        EXPECT_EQ((std::vector<long>{NodeList::IsLoaded(), recorder.Count(), in.GetPosition()}),
+                  (std::vector<long>{0, 0, 5}))
+            << refused.size();
     }
 }
 

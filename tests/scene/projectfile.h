@@ -3,11 +3,8 @@
 #ifndef ORVANE_TESTS_SCENE_PROJECTFILE_H
 #define ORVANE_TESTS_SCENE_PROJECTFILE_H
 
-#include <cstdint>
 #include <cstdio>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include <projectfile.h>
 
@@ -15,7 +12,6 @@
 #include "cmaterial.h"
 #include "cnode.h"
 #include "cscene.h"
-#include "support/bytestring.h"
 #include "support/materialrecord.h"
 #include "support/testsupport.h"
 
@@ -159,14 +155,9 @@ inline void BuildCarScene() {
 // A base and an arm below it; the base's 34-character name is cut to 31 by 32-byte fields.
 inline ProjectFile RobotFile(std::uint32_t version) {
     const std::string base = "TheBaseOfTheRobotWithALongerName34";
-    NodeRecord arm, root;
-    arm.name = "Arm";
-    arm.parent = root.name = base;
-    arm.flags = FLAG_HIDDEN;
-    arm.notes = "old";
-    arm.ikIterations = 7;
-    arm.keys = {{0, 1.0f}, {100, 5.0f}};
-    root.keys = {{0, 2.0f}};
+    // Type, sub-type, record type, name, parent, material, notes, flags, IK iterations, keys.
+    const NodeRecord root{1, 0, 1, base, "", "", "", 0, 100, {{0, 2.0f}}};
+    const NodeRecord arm{1, 0, 1, "Arm", base, "", "old", FLAG_HIDDEN, 7, {{0, 1.0f}, {100, 5.0f}}};
     ProjectFile file;
     file.version = version;
     file.nodes = {"Arm", base};

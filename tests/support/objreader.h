@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,33 +24,18 @@ struct ObjData {
 
 namespace objreader_detail {
 
-inline bool EndsWith(const std::string& s, const std::string& tail) {
-    return s.size() >= tail.size() && s.compare(s.size() - tail.size(), tail.size(), tail) == 0;
-}
-
-// Resolves one face reference ("7", "-2", "7/1/3") against `count` vertices read so far;
-// -1 when the reference is malformed or out of range.
-inline int ResolveIndex(const char* token, char** end, int count) {
-    const long raw = std::strtol(token, end, 10);
-    if (*end == token) return -1;
-    while (**end && **end != ' ' && **end != '\t' && **end != '\r' && **end != '\n') ++*end;
-    const long index = raw > 0 ? raw - 1 : count + raw;
-    return (raw == 0 || index < 0 || index >= count) ? -1 : static_cast<int>(index);
-}
-
 // Fan-splits the face on `line` (after the "f") into triangles; false on a bad reference.
+// A reference ("7", "-2", "7/1/3") is resolved against the vertices read so far.
 inline bool ReadFace(const char* line, ObjData& out) {
+    std::istringstream tokens(line);
     std::vector<int> corners;
-    const int count = static_cast<int>(out.vertices.size());
-    const char* p = line;
-    for (;;) {
-        while (*p == ' ' || *p == '\t') ++p;
-        if (*p == '\0' || *p == '\r' || *p == '\n' || *p == '#') break;
+    const long count = static_cast<long>(out.vertices.size());
+    for (std::string token; tokens >> token && token[0] != '#';) {
         char* end = nullptr;
-        const int index = ResolveIndex(p, &end, count);
-        if (index < 0) return false;
-        corners.push_back(index);
-        p = end;
+        const long raw = std::strtol(token.c_str(), &end, 10);
+        const long index = raw > 0 ? raw - 1 : count + raw;
+        if (end == token.c_str() || raw == 0 || index < 0 || index >= count) return false;
+        corners.push_back(static_cast<int>(index));
     }
     if (corners.size() < 3) return false;
     for (size_t k = 1; k + 1 < corners.size(); ++k)
@@ -59,32 +45,17 @@ inline bool ReadFace(const char* line, ObjData& out) {
 
 inline bool ReadVertex(const char* line, ObjData& out) {
     std::array<float, 3> v{};
-    const char* p = line;
-    for (float& c : v) {
-        char* end = nullptr;
-        c = std::strtof(p, &end);
-        if (end == p) return false;
-        p = end;
-    }
+    if (std::sscanf(line, "%f %f %f", &v[0], &v[1], &v[2]) != 3) return false;
     out.vertices.push_back(v);
     return true;
 }
 
-struct PipeCloser {
-    void operator()(FILE* f) const { pclose(f); }
-};
-struct FileCloser {
-    void operator()(FILE* f) const { std::fclose(f); }
-};
-
 inline bool ReadLines(FILE* file, ObjData& out) {
     char line[4096];
     while (std::fgets(line, sizeof line, file)) {
-        if (line[0] == 'v' && (line[1] == ' ' || line[1] == '\t')) {
-            if (!ReadVertex(line + 2, out)) return false;
-        } else if (line[0] == 'f' && (line[1] == ' ' || line[1] == '\t')) {
-            if (!ReadFace(line + 2, out)) return false;
-        }
+        const bool spaced = line[1] == ' ' || line[1] == '\t';
+        if (spaced && line[0] == 'v' && !ReadVertex(line + 2, out)) return false;
+        if (spaced && line[0] == 'f' && !ReadFace(line + 2, out)) return false;
     }
     return true;
 }
@@ -97,12 +68,12 @@ inline bool ReadLines(FILE* file, ObjData& out) {
 inline bool ReadObj(const std::string& path, ObjData& out) {
     using namespace objreader_detail;
     out = ObjData();
-    if (EndsWith(path, ".gz")) {
+    if (path.size() > 3 && path.compare(path.size() - 3, 3, ".gz") == 0) {
         const std::string command = "gzip -dc '" + path + "' 2>/dev/null";
-        std::unique_ptr<FILE, PipeCloser> pipe(popen(command.c_str(), "r"));
+        std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
         return pipe && ReadLines(pipe.get(), out) && !out.vertices.empty();
     }
-    std::unique_ptr<FILE, FileCloser> file(std::fopen(path.c_str(), "r"));
+    std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "r"), std::fclose);
     return file && ReadLines(file.get(), out);
 }
 

@@ -1,36 +1,26 @@
 #include "support/testsupport.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 #include "coreinterface.h"
 #include "coreplatform.h"
 
 namespace {
 
-struct Recorded {
-    int aborts = 0;
-    std::vector<std::string> texts;
-    std::vector<std::string> titles;
-    std::vector<unsigned int> types;
-};
-Recorded g_recorded;
+AssertRecorder* g_recorder = nullptr;
 
 void RecordAbort() {
-    ++g_recorded.aborts;
+    ++g_recorder->aborts_;
 }
 
 int RecordMessageBox(char const* text, char const* title, unsigned int type) {
-    g_recorded.texts.emplace_back(text);
-    g_recorded.titles.emplace_back(title);
-    g_recorded.types.push_back(type);
+    g_recorder->texts_.emplace_back(text);
+    g_recorder->titles_.emplace_back(title);
+    g_recorder->types_.push_back(type);
     return IDOK;
 }
 
@@ -42,35 +32,17 @@ std::string MakeTempFolder() {
 
 }  // namespace
 
-AssertRecorder::AssertRecorder() : folder_(MakeTempFolder()), savedPath_(path_app) {
-    g_recorded = Recorded();
+AssertRecorder::AssertRecorder() : savedPath_(path_app) {
+    g_recorder = this;
     _AbortApp = RecordAbort;
     SetMessageBoxHandler(RecordMessageBox);
-    std::snprintf(path_app, sizeof(path_app), "%s", folder_.c_str());
+    std::snprintf(path_app, sizeof(path_app), "%s", Folder().c_str());
 }
 
 AssertRecorder::~AssertRecorder() {
     _AbortApp = nullptr;
     SetMessageBoxHandler(nullptr);
     std::snprintf(path_app, sizeof(path_app), "%s", savedPath_.c_str());
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-}
-
-int AssertRecorder::Count() const {
-    return g_recorded.aborts;
-}
-const std::vector<std::string>& AssertRecorder::Texts() const {
-    return g_recorded.texts;
-}
-const std::vector<std::string>& AssertRecorder::Titles() const {
-    return g_recorded.titles;
-}
-const std::vector<unsigned int>& AssertRecorder::Types() const {
-    return g_recorded.types;
-}
-std::string AssertRecorder::LogContents() const {
-    return ReadFileBytes(folder_ + "/Orvane.log");
 }
 
 TempDir::TempDir() : path_(MakeTempFolder()) {}
@@ -81,7 +53,6 @@ TempDir::~TempDir() {
 
 std::string ReadFileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) return std::string();
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 

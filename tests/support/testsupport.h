@@ -8,30 +8,8 @@
 
 #include "cio.h"
 
-// While alive, failed assertions are recorded instead of ending the process: _AbortApp and the
-// message-box handler record what they are given, and path_app points at a fresh temporary
-// folder (so the log file lands there). Everything is restored on destruction.
-class AssertRecorder {
-public:
-    AssertRecorder();
-    ~AssertRecorder();
-    AssertRecorder(const AssertRecorder&) = delete;
-    AssertRecorder& operator=(const AssertRecorder&) = delete;
-
-    // Number of _AbortApp calls, i.e. of assertion reports that returned.
-    int Count() const;
-    // The message-box texts, titles and types seen, in order.
-    const std::vector<std::string>& Texts() const;
-    const std::vector<std::string>& Titles() const;
-    const std::vector<unsigned int>& Types() const;
-    // The folder path_app points at, and the content of its Orvane.log ("" if absent).
-    const std::string& Folder() const { return folder_; }
-    std::string LogContents() const;
-
-private:
-    std::string folder_;
-    std::string savedPath_;
-};
+// Reads a whole file as bytes ("" when it cannot be opened).
+std::string ReadFileBytes(const std::string& path);
 
 // A fresh empty temporary folder, removed with its content when the object dies.
 class TempDir {
@@ -47,8 +25,35 @@ private:
     std::string path_;
 };
 
-// Reads a whole file as bytes ("" when it cannot be opened).
-std::string ReadFileBytes(const std::string& path);
+// While alive, failed assertions are recorded instead of ending the process: _AbortApp and the
+// message-box handler record what they are given, and path_app points at a fresh temporary
+// folder (so the log file lands there). Everything is restored on destruction.
+class AssertRecorder {
+public:
+    AssertRecorder();
+    ~AssertRecorder();
+    AssertRecorder(const AssertRecorder&) = delete;
+    AssertRecorder& operator=(const AssertRecorder&) = delete;
+
+    // Number of _AbortApp calls, i.e. of assertion reports that returned.
+    int Count() const { return aborts_; }
+    // The message-box texts, titles and types seen, in order.
+    const std::vector<std::string>& Texts() const { return texts_; }
+    const std::vector<std::string>& Titles() const { return titles_; }
+    const std::vector<unsigned int>& Types() const { return types_; }
+    // The folder path_app points at, and the content of its Orvane.log ("" if absent).
+    const std::string& Folder() const { return folder_.Path(); }
+    std::string LogContents() const { return ReadFileBytes(folder_.File("Orvane.log")); }
+
+    // What the hooks recorded; written by them only.
+    int aborts_ = 0;
+    std::vector<std::string> texts_, titles_;
+    std::vector<unsigned int> types_;
+
+private:
+    TempDir folder_;
+    std::string savedPath_;
+};
 
 // Writes `bytes` to `path` as a fresh file, replacing any file of that name.
 void WriteFileBytes(const std::string& path, const std::string& bytes);

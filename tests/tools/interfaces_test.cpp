@@ -9,6 +9,8 @@
 
 namespace {
 
+using Words = std::vector<unsigned long>;
+
 // A creator that answers a name and a class id and makes plain nodes.
 class NamedCreator : public ccreateinterface {
 public:
@@ -31,10 +33,9 @@ public:
     void Start() override { ut_Run(1); }
     void Stop() override { ut_Run(0); }
     int HandleMessage(unsigned long msg, unsigned long p1, unsigned long p2) override {
-        received.push_back({msg, p1, p2});
-        return 1;
+        return received.push_back({msg, p1, p2}), 1;
     }
-    std::vector<std::vector<unsigned long>> received;
+    std::vector<Words> received;
     char name[2] = "U";
 };
 
@@ -59,17 +60,16 @@ TEST_F(Registries, KeepCreatorsInByteWiseNameOrderAndFindThemByNameAndClassId) {
     // Intended: a tool registered twice is listed twice.
     EXPECT_EQ(names, (std::vector<std::string>{"Cube", "Cube", "Sphere", "Sphere", "Spot", "cube",
                                                "\xC3\x84rger"}));
-    EXPECT_EQ(GetCreateInterface(1), &cube2) << "equal names keep their registration order";
-    EXPECT_EQ(GetCreateInterface(-1), nullptr);
-    EXPECT_EQ(GetCreateInterface(7), nullptr);
-
-    EXPECT_EQ(GetCreateInterfaceByName("Cube"), &cube);
-    EXPECT_EQ(GetCreateInterfaceByName("cube"), &lower);
-    EXPECT_EQ(GetCreateInterfaceByName(nullptr), nullptr);
-    EXPECT_EQ(GetCreateInterfaceClass(2, 0), &cube) << "first of the pair by name";
-    EXPECT_EQ(GetCreateInterfaceClass(3, 0), nullptr);
+    // Equal names keep their registration order; a class id finds the first of its pair by
+    // name, and an empty name sorts first.
     RegisterInterface(&unnamed);
-    EXPECT_EQ(GetCreateInterfaceClass(3, 1), &unnamed) << "an empty name sorts first";
+    EXPECT_EQ((std::vector<ccreateinterface*>{
+                  GetCreateInterface(2), GetCreateInterface(-1), GetCreateInterface(8),
+                  GetCreateInterfaceByName("Cube"), GetCreateInterfaceByName("cube"),
+                  GetCreateInterfaceByName(nullptr), GetCreateInterfaceClass(2, 0),
+                  GetCreateInterfaceClass(3, 0), GetCreateInterfaceClass(3, 1)}),
+              (std::vector<ccreateinterface*>{&cube2, nullptr, nullptr, &cube, &lower, nullptr,
+                                              &cube, nullptr, &unnamed}));
     auto* made = static_cast<cnode*>(CreateInterfaceCreate(2, 0));
     ASSERT_NE(made, nullptr);
     EXPECT_STREQ(made->GetName(), "Cube");
@@ -90,14 +90,11 @@ TEST_F(Registries, SendUtilityMessagesToRunningUtilitiesOrToAll) {
     RegisterInterface(&b);
     b.Start();
     SendUtilityMessage(1, 2, 3);
-    EXPECT_TRUE(a.received.empty());
-    EXPECT_EQ(b.received, (std::vector<std::vector<unsigned long>>{{1, 2, 3}}));
     SendUtilityMessageToAll(4, 5, 0x1'0000'0006ul);
-    EXPECT_EQ(a.received, (std::vector<std::vector<unsigned long>>{{4, 5, 0x1'0000'0006ul}}));
-    EXPECT_EQ(b.received.size(), 2u);
-    EXPECT_EQ((std::vector<unsigned long>{GetUtilityLastMessage(), GetUtilityLastParam1(),
-                                          GetUtilityLastParam2()}),
-              (std::vector<unsigned long>{4, 5, 6}))
+    EXPECT_EQ(a.received, (std::vector<Words>{{4, 5, 0x1'0000'0006ul}}));
+    EXPECT_EQ(b.received, (std::vector<Words>{{1, 2, 3}, {4, 5, 0x1'0000'0006ul}}));
+    EXPECT_EQ((Words{GetUtilityLastMessage(), GetUtilityLastParam1(), GetUtilityLastParam2()}),
+              (Words{4, 5, 6}))
         << "kept as unsigned 32-bit values";
     EXPECT_EQ(GetNumCreateInterfaces(), 0);
 
