@@ -35,8 +35,8 @@ Keys RandomKeys(std::mt19937& rng, size_t n, unsigned int mask) {
 }  // namespace
 
 // Passes are stable and chain: the order is by the last key, then the earlier ones. 600000 keys
-// are enough to be split over the cores where there are several (the lone chained pass reads
-// through the earlier ranks).
+// reach beyond the caches, where a chained pass reads the keys through the earlier ranks
+// fetching ahead.
 TEST(RSorter, ChainedPassesOrderByTheLastKeyThenTheEarlierOnes) {
     std::mt19937 rng(5);
     for (const size_t n : {size_t{20000}, size_t{600000}}) {
