@@ -32,3 +32,32 @@ TEST_F(IK, ReachesWhatItCanKeepingTheBoneLengths) {
         EXPECT_NEAR(Distance(at, cpoint3()) + Distance(end, at), 4.0f, 1e-4f);
     }
 }
+
+// One free joint at the origin holding a hand at (2, 0, 0), aimed at (0, 2, 0), a quarter turn
+// away. Damping turns it at most the damping width per pass, for the given passes or else the
+// node's own count; joint limits hold it at 45 degrees however far the target lies.
+TEST_F(IK, DampingAndJointLimitsHoldTheTurnBack) {
+    const struct {
+        int damping, limits, iterations, ownIterations;
+        float degrees;
+    } rows[] = {{1, 0, 1, 5, 10.0f}, {1, 0, 3, 5, 30.0f}, {1, 0, 0, 2, 20.0f}, {0, 1, 0, 5, 45.0f}};
+    for (const auto& row : rows) {
+        cnode elbow("Elbow"), hand("Hand");
+        hand.SetPosition(0, cpoint3(2, 0, 0));
+        elbow.Attach(&hand, 1);
+        hand.SetIKRecurseNum(1);
+        hand.SetIKNumIterations(row.ownIterations);
+        elbow.EnableIKDamping(row.damping);
+        elbow.SetIKDampWidth(10.0f);
+        elbow.EnableIKDOF(row.limits);
+        elbow.SetIKMinRot(cpoint3(0, 0, -45));
+        elbow.SetIKMaxRot(cpoint3(0, 0, 45));
+        EXPECT_EQ(IK_ComputeCCD(0, cpoint3(0, 2, 0), &hand, row.iterations, 1e-3f), 0);
+        const double turned = row.degrees * std::acos(-1.0) / 180.0;
+        EXPECT_TRUE(Near3(hand.GetPosition(0),
+                          cpoint3(static_cast<float>(2 * std::cos(turned)),
+                                  static_cast<float>(2 * std::sin(turned)), 0),
+                          1e-4f))
+            << row.degrees;
+    }
+}
