@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 #include "coreinterface.h"
@@ -39,6 +40,26 @@ TEST_F(SkinBones, KeepAnOrderedListOfDistinctBonesAndUpToFourHeaviestWeights) {
     EXPECT_EQ(skin.RemoveBone(3), 1);
     EXPECT_TRUE(HasInfluences(skin, sv, {{3, 0.625f}, {2, 0.375f}}));
     EXPECT_EQ(skin.GetBone(3), a);
+}
+
+// Root's segment runs from its origin to its child Tip's; Tip, childless, is a point. Each
+// vertex is weighed by inverse distance to the nearest `maxBones` segments, or belongs wholly
+// to a segment it lies on.
+TEST_F(SkinBones, NearestBonesWeighByInverseDistanceToTheirSegments) {
+    cnode* root = AddBoneNode("Root", cpoint3());
+    cnode* tip = AddBoneNode("Tip", cpoint3(0, 2, 0));
+    root->Attach(tip, 1);
+    cskin skin;
+    SetSkinPoints(skin, {{0, 1, 0}, {3, 0, 0}, {0, 5, 0}});
+    skin.AddBone(root);
+    skin.AddBone(tip);
+    const float near = (1 / 3.0f) / (1 / 3.0f + 1 / std::sqrt(13.0f));
+    EXPECT_EQ(skin.AssignNearestBones(4), 3);
+    EXPECT_TRUE(HasInfluences(skin, 0, {{0, 1.0f}}));
+    EXPECT_TRUE(HasInfluences(skin, 1, {{0, near}, {1, 1 - near}}));
+    EXPECT_TRUE(HasInfluences(skin, 2, {{0, 0.5f}, {1, 0.5f}}));
+    EXPECT_EQ(skin.AssignNearestBones(1), 3);
+    EXPECT_TRUE(HasInfluences(skin, 1, {{0, 1.0f}}));
 }
 
 TEST_F(SkinDeform, RotatesAndBlendsTheRestPositionsByTheBones) {
