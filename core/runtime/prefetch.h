@@ -2,6 +2,10 @@
 #ifndef ORVANE_CORE_RUNTIME_PREFETCH_H
 #define ORVANE_CORE_RUNTIME_PREFETCH_H
 
+// How many places ahead a pass over every node of a large scene asks for the memory an item
+// will need: far enough to hide a trip to memory, near enough to find it still in the cache.
+constexpr int kPrefetchAhead = 8;
+
 // Starts bringing the cache line at `p` in; the read (or, with Write, the write) that follows
 // later does not wait for memory. Only a hint: nothing is read and any address is allowed.
 inline void Prefetch(const void* p) {

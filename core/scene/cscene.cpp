@@ -57,9 +57,8 @@ std::vector<T*> EntriesToAdd(T* const* items, int count, T* const* list, int lis
     for (int i = 0; i < count; ++i) present.Insert(items[i]);
     std::vector<T*> added;
     // Each entry's slot is asked for a few entries ahead of its turn.
-    constexpr int kAhead = 8;
     for (int i = 0; i < listCount; ++i) {
-        if (i + kAhead < listCount) present.Prefetch(list[i + kAhead]);
+        if (i + kPrefetchAhead < listCount) present.Prefetch(list[i + kPrefetchAhead]);
         if (!list[i]) continue;
         if (!present.Insert(list[i])) break;
         added.push_back(list[i]);
@@ -83,9 +82,8 @@ int AppendAll(T**& items, int& count, T* const* added, size_t n, Joined joined) 
     items = grown;
     count = static_cast<int>(total);
     // `joined` reads each item, which is asked for a few items ahead.
-    constexpr size_t kAhead = 8;
     for (size_t i = 0; i < n; ++i) {
-        if (i + kAhead < n) Prefetch(added[i + kAhead]);
+        if (i + kPrefetchAhead < n) Prefetch(added[i + kPrefetchAhead]);
         joined(added[i]);
     }
     return 1;
@@ -347,14 +345,13 @@ void cscene::EvalUniqueName(cnode* node) {
 int cscene::GetNodesHierarchy(cbitarray& order) {
     order.SetSize(nnodes, 1);
     HierarchyWalk walk{order, 0, cbitarray(nnodes), FlatMap<const cnode*, int>(nnodes), {}};
-    constexpr int kAhead = 8;  // nodes and slots asked for ahead of their turn
     for (int i = 0; i < nnodes; ++i) {
-        if (i + kAhead < nnodes) walk.index.Prefetch(nodes[i + kAhead]);
+        if (i + kPrefetchAhead < nnodes) walk.index.Prefetch(nodes[i + kPrefetchAhead]);
         walk.index.Insert(nodes[i], i);
     }
     const auto inScene = [&walk](const cnode* n) { return walk.IndexOf(n) >= 0; };
     for (int i = 0; i < nnodes; ++i) {
-        if (i + kAhead < nnodes) PrefetchBytes(nodes[i + kAhead], sizeof(cnode));
+        if (i + kPrefetchAhead < nnodes) PrefetchBytes(nodes[i + kPrefetchAhead], sizeof(cnode));
         if (!AnyAncestor(nodes[i], inScene)) WalkNodesHierarchy(i, walk);
     }
     // Whatever the roots did not reach (a parent chain that loops, or that leads to a scene node
@@ -624,9 +621,8 @@ int cscene::CalcSelPos(cpoint3& point) {
     cpoint3 sum;
     int contributions = 0;
     int ns = 0;
-    constexpr int kAhead = 8;  // nodes asked for ahead of their turn
     for (int i = 0; i < nnodes; ++i) {
-        if (i + kAhead < nnodes) Prefetch(nodes[i + kAhead]);
+        if (i + kPrefetchAhead < nnodes) Prefetch(nodes[i + kPrefetchAhead]);
         cnode* node = nodes[i];
         if (!(node->GetFlags() & FLAG_SELECTED)) continue;
         ++ns;

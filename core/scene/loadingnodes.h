@@ -48,18 +48,17 @@ public:
         // Per first bearer, the next of its namesakes to claim (-1: all are claimed).
         std::vector<int> unclaimed(nodes.size());
         for (size_t i = 0; i < nodes.size(); ++i) unclaimed[i] = static_cast<int>(i);
-        // The names are looked up kAhead places after their slots are asked for.
-        constexpr int kAhead = 8;
-        std::uint64_t hashes[kAhead];
+        // The names are looked up kPrefetchAhead places after their slots are asked for.
+        std::uint64_t hashes[kPrefetchAhead];
         const auto ask = [&](int k) {
             if (k >= count) return;
-            hashes[k % kAhead] = NameIndex::Hash(tableName(k));
-            names.Prefetch(hashes[k % kAhead]);
+            hashes[k % kPrefetchAhead] = NameIndex::Hash(tableName(k));
+            names.Prefetch(hashes[k % kPrefetchAhead]);
         };
-        for (int k = 0; k < kAhead; ++k) ask(k);
+        for (int k = 0; k < kPrefetchAhead; ++k) ask(k);
         for (int k = 0; k < count; ++k) {
-            const int first = names.Find(tableName(k), hashes[k % kAhead]);
-            ask(k + kAhead);
+            const int first = names.Find(tableName(k), hashes[k % kPrefetchAhead]);
+            ask(k + kPrefetchAhead);
             if (first < 0) return false;
             int& next = unclaimed[static_cast<size_t>(first)];
             if (next < 0) return false;

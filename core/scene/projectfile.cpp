@@ -221,11 +221,10 @@ int WriteSized(cio_save& out, Write write) {
 // is asked for a few items ahead of its turn.
 template <class ItemAt>
 int WriteNameTable(cio_save& out, int count, ItemAt itemAt) {
-    constexpr int kAhead = 8;
     constexpr unsigned long kStart = 128;
     if (!WriteUInt32(out, static_cast<std::uint32_t>(count))) return 0;
     for (int i = 0; i < count; ++i) {
-        if (i + kAhead < count) PrefetchBytes(itemAt(i + kAhead), kStart);
+        if (i + kPrefetchAhead < count) PrefetchBytes(itemAt(i + kPrefetchAhead), kStart);
         if (!WriteName(out, itemAt(i)->GetName(), PROJECT_TABLE_NAME_SIZE)) return 0;
     }
     return 1;
@@ -620,14 +619,14 @@ int ParentsComeFirst(const std::vector<cnode*>& nodes) {
     // in a looping chain) need the names, which are then mapped to their first records; the
     // keys view the nodes' own names, which do not change while the scene is saved.
     FlatMap<const cnode*, size_t> position(nodes.size());
-    constexpr size_t kAhead = 8;  // nodes and slots asked for ahead of their turn
     for (size_t i = 0; i < nodes.size(); ++i) {
-        if (i + kAhead < nodes.size()) position.Prefetch(nodes[i + kAhead]);
+        if (i + kPrefetchAhead < nodes.size()) position.Prefetch(nodes[i + kPrefetchAhead]);
         position.Insert(nodes[i], i);
     }
     std::optional<FlatMap<std::string_view, size_t>> first;
     for (size_t i = 0; i < nodes.size(); ++i) {
-        if (i + kAhead < nodes.size()) PrefetchBytes(nodes[i + kAhead], sizeof(cnode));
+        if (i + kPrefetchAhead < nodes.size())
+            PrefetchBytes(nodes[i + kPrefetchAhead], sizeof(cnode));
         const cnode* parent = nodes[i]->GetParent();
         if (!parent || !*parent->GetName()) continue;
         const size_t* at = position.Find(parent);
@@ -651,7 +650,8 @@ int WriteMaterials(cio_save& out) {
 }
 
 int WriteNodes(cio_save& out, const std::vector<cnode*>& nodes) {
-    constexpr size_t kAhead = 4;  // nodes asked for ahead of their turn
+    // Writing a record takes long enough that four places ahead already hide the trip to memory.
+    constexpr size_t kAhead = 4;
     for (size_t i = 0; i < nodes.size(); ++i) {
         if (i + kAhead < nodes.size()) PrefetchBytes(nodes[i + kAhead], sizeof(cnode));
         const cnode* node = nodes[i];
