@@ -239,7 +239,7 @@ void cmaterial::SetName(char const* newName) {
 }
 
 void cmaterial::GetName(char* buffer) const {
-    if (buffer) std::memcpy(buffer, name, sizeof name);
+    CopyNameOut(name, buffer);
 }
 
 // ---- Settings ----

@@ -16,4 +16,13 @@ inline void StoreName(char (&field)[NAME_FIELD_BYTES], char const* name) {
     std::memcpy(field, name, strnlen(name, NAME_MAX_CHARS));
 }
 
+// Copies the name in `field` and its terminator, and nothing after it, into `buffer`; a null
+// buffer is ignored.
+inline void CopyNameOut(const char (&field)[NAME_FIELD_BYTES], char* buffer) {
+    if (!buffer) return;
+    const std::size_t length = strnlen(field, NAME_MAX_CHARS);
+    std::memcpy(buffer, field, length);
+    buffer[length] = '\0';
+}
+
 #endif

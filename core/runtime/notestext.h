@@ -38,9 +38,11 @@ template <class Report>
 void CopyNotesText(char*& notes, char const* text, int length, Report report) {
     if (!text || !*text || length <= 0) return;
     const int copied = static_cast<int>(strnlen(text, std::min(length, NOTES_MAX_CHARS)));
+    // The text may lie inside the old notes, so they are freed only once it is copied.
+    char* copy = NewNotesBuffer(copied, "notes", report);
+    if (copy) std::memcpy(copy, text, static_cast<size_t>(copied));
     ClearNotesText(notes);
-    notes = NewNotesBuffer(copied, "notes", report);
-    if (notes) std::memcpy(notes, text, static_cast<size_t>(copied));
+    notes = copy;
 }
 
 // Appends at most `length` characters of `text`, never past NOTES_MAX_CHARS in all; without

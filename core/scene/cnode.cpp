@@ -161,7 +161,7 @@ char* cnode::GetName() const {
 }
 
 void cnode::GetName(char* buffer) const {
-    if (buffer) std::memcpy(buffer, name, NODE_NAME_SIZE);
+    CopyNameOut(name, buffer);
 }
 
 unsigned long cnode::GetTypeID() const {

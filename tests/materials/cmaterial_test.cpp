@@ -56,6 +56,9 @@ Floats GLMaterialState() {
 TEST(MaterialSettings, DefaultsNameColourFormsAndClamps) {
     cmaterial m(nullptr);
     EXPECT_STREQ(m.GetName(), "Mat1");
+    char copied[8] = "xxxxxxx";
+    m.GetName(copied);  // the name and its terminator, nothing past them
+    EXPECT_EQ(std::string(copied, 7), std::string("Mat1\0xx", 7));
     EXPECT_EQ(SettingsOf(m), kDefaults);
     // Intended: refraction is the one amount allowed up to 1000.
     m.SetShininess(200.0f);

@@ -43,6 +43,9 @@ TEST_F(Node, KeepsNamesOf63AndNotesOf8192Characters) {
     char buffer[64];
     node.GetName(buffer);
     EXPECT_EQ(std::string(buffer), seventy.substr(0, 63));
+    std::memset(buffer, 'x', sizeof buffer);
+    cnode("Box").GetName(buffer);
+    EXPECT_EQ(std::string(buffer, 6), std::string("Box\0xx", 6)) << "nothing past the terminator";
     node.CopyNotes(text.c_str(), 10000);
     EXPECT_EQ(node.NotesSize(), 8192);
     node.CopyNotes(text.c_str(), 8190);
@@ -50,6 +53,9 @@ TEST_F(Node, KeepsNamesOf63AndNotesOf8192Characters) {
     node.AddNotes("more", 4);
     node.CopyNotes("", 5);
     EXPECT_EQ(std::string(node.GetNotes() + 8188), "aaxy") << "full; empty copies are ignored";
+    node.CopyNotes("notes kept", 10);
+    node.CopyNotes(node.GetNotes() + 6, 4);
+    EXPECT_STREQ(node.GetNotes(), "kept") << "a part of the old notes";
 }
 
 TEST_F(Node, KeysFollowTheAnimationModeAndTheKeyCount) {
