@@ -98,8 +98,9 @@ protected:
     int Set(const K& key);
 
 private:
-    // The assertion report of this key type's track, under its own source file name.
-    static void Check(int ok, char const* text);
+    // The assertion report of this key type's track, under its own source file name and the
+    // given line, when `ok` is 0.
+    static void Check(int ok, char const* text, int line);
     // Recomputes the key times as the minimum and maximum over 0 and every key time.
     void SpanKeyTimes();
     // Widens the key times to include t.
@@ -176,9 +177,9 @@ public:
 // The tracks of both key types are compiled into the library, each reporting its failed
 // checks under its own source file ("Core/ccamanim", "Core/clightanim").
 template <>
-void cparamanim<ccamkey>::Check(int ok, char const* text);
+void cparamanim<ccamkey>::Check(int ok, char const* text, int line);
 template <>
-void cparamanim<clightkey>::Check(int ok, char const* text);
+void cparamanim<clightkey>::Check(int ok, char const* text, int line);
 extern template class cparamanim<ccamkey>;
 extern template class cparamanim<clightkey>;
 

@@ -46,8 +46,8 @@ int ReadKey(cio_load& in, ckey& key) {
     return 1;
 }
 
-void ReportTrackCheck(int ok, char const* text) {
-    CORE_CHECK(ok, text);
+void ReportEndKey(int found, bool first) {
+    CORE_CHECK(found, keyarray::EndKeyText(first));
 }
 
 }  // namespace
@@ -118,7 +118,7 @@ int canim::GetKey(int t, ckey& key) const {
 
 int canim::GetInterpolateKey(int t, ckey& key) const {
     return keyarray::InterpolateKeys(t, nkeys, keys, firstkeytime, lastkeytime, key, Blend,
-                                     ReportTrackCheck);
+                                     ReportEndKey);
 }
 
 int canim::RemoveKey(int t) {

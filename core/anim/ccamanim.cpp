@@ -18,8 +18,8 @@ ccamkey ccamkey::Interpolate(const ccamkey& previous, const ccamkey& next, float
 
 // Reports name this file, whichever header the failing check is written in.
 template <>
-void cparamanim<ccamkey>::Check(int ok, char const* text) {
-    CORE_CHECK(ok, text);
+void cparamanim<ccamkey>::Check(int ok, char const* text, int line) {
+    if (!ok) MyAssertFailedLine(text, CORE_SOURCE_NAME, line);
 }
 
 template class cparamanim<ccamkey>;

@@ -49,8 +49,8 @@ clightkey clightkey::Interpolate(const clightkey& previous, const clightkey& nex
 
 // Reports name this file, whichever header the failing check is written in.
 template <>
-void cparamanim<clightkey>::Check(int ok, char const* text) {
-    CORE_CHECK(ok, text);
+void cparamanim<clightkey>::Check(int ok, char const* text, int line) {
+    if (!ok) MyAssertFailedLine(text, CORE_SOURCE_NAME, line);
 }
 
 template class cparamanim<clightkey>;

@@ -83,6 +83,11 @@ int KeysUpTo(int t, int count, const K* keys) {
     return static_cast<int>(later - keys);
 }
 
+// The report text of an end key missing at the first (`first`) or last key time.
+inline char const* EndKeyText(bool first) {
+    return first ? "GetKey(first,key)" : "GetKey(last,key)";
+}
+
 // The fraction of the way from time tp to time tn at which t lies, in double precision.
 inline double Fraction(int t, int tp, int tn) {
     return (static_cast<double>(t) - tp) / (static_cast<double>(tn) - tp);
@@ -92,7 +97,7 @@ inline double Fraction(int t, int tp, int tn) {
 // interpolated payload into `key` field by field: a key built aside and copied over would be
 // stored in pieces and read back whole, which stalls the processor's store forwarding on every
 // call. Each field is read before it is written, so `key` may be one of the two keys. The
-// function `report(ok, text)` is told whether a held end key was found.
+// function `report(found, first)` is told whether the held first or last key was found.
 template <class K, class Blend, class Report>
 int InterpolateKeys(int t, int count, const K* keys, int first, int last, K& key, Blend blend,
                     Report report) {
@@ -100,7 +105,7 @@ int InterpolateKeys(int t, int count, const K* keys, int first, int last, K& key
     if (t < first || t > last) {
         const bool before = t < first;
         const int held = FindByEntry(before ? first : last, count, keys);
-        report(held >= 0, before ? "GetKey(first,key)" : "GetKey(last,key)");
+        report(held >= 0, before);
         if (held >= 0) key = keys[held];
         key.time = t;
         return 1;

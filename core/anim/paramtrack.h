@@ -9,6 +9,15 @@
 #include "corearray.h"
 #include "cparamanim.h"
 
+// The source lines under which both parameter tracks report, one per check: the reports are
+// known by these numbers, wherever the checks stand in this code.
+namespace paramtrack {
+constexpr int kNewKeysLine = 48;
+constexpr int kFirstKeyLine = 185;
+constexpr int kLastKeyLine = 191;
+constexpr int kNCacheLine = 274;
+}  // namespace paramtrack
+
 template <class K>
 cparamanim<K>::cparamanim(const cparamanim& other) {
     Copy(other);
@@ -37,7 +46,7 @@ int cparamanim<K>::Copy(const cparamanim& other) {
     if (this == &other) return 1;
     Clear();
     if (other.nkeys == 0) return 1;
-    const auto report = [](int ok) { Check(ok, "newkeys"); };
+    const auto report = [](int ok) { Check(ok, "newkeys", paramtrack::kNewKeysLine); };
     if (!keyarray::ResizeKeys(keyarray::Store(keys, nkeys, nalloc), other.nkeys, 1, report))
         return 0;
     std::copy(other.keys, other.keys + other.nkeys, keys);
@@ -48,7 +57,7 @@ int cparamanim<K>::Copy(const cparamanim& other) {
 
 template <class K>
 int cparamanim<K>::SetNumKeys(int n, int discard) {
-    const auto report = [](int ok) { Check(ok, "newkeys"); };
+    const auto report = [](int ok) { Check(ok, "newkeys", paramtrack::kNewKeysLine); };
     if (!keyarray::ResizeKeys(keyarray::Store(keys, nkeys, nalloc), n, discard, report)) return 0;
     SpanKeyTimes();
     return 1;
@@ -78,7 +87,11 @@ int cparamanim<K>::GetInterpolateKey(int t, K& key) const {
         const double f = keyarray::Fraction(at, previous.time, next.time);
         key = K::Interpolate(previous, next, static_cast<float>(f));
     };
-    return keyarray::InterpolateKeys(t, nkeys, keys, firstkeytime, lastkeytime, key, blend, Check);
+    const auto report = [](int found, bool first) {
+        Check(found, keyarray::EndKeyText(first),
+              first ? paramtrack::kFirstKeyLine : paramtrack::kLastKeyLine);
+    };
+    return keyarray::InterpolateKeys(t, nkeys, keys, firstkeytime, lastkeytime, key, blend, report);
 }
 
 template <class K>
@@ -117,7 +130,7 @@ template <class K>
 int cparamanim<K>::RemoveKeysSegAt(int i0, int i1) {
     if (i0 > i1) std::swap(i0, i1);
     if (i0 < 0 || i1 >= nkeys) return 0;
-    const auto report = [](int ok) { Check(ok, "NCache"); };
+    const auto report = [](int ok) { Check(ok, "NCache", paramtrack::kNCacheLine); };
     keyarray::RemoveKeys(keyarray::Store(keys, nkeys, nalloc), i0, i1, report);
     SpanKeyTimes();
     return 1;
@@ -126,7 +139,7 @@ int cparamanim<K>::RemoveKeysSegAt(int i0, int i1) {
 template <class K>
 int cparamanim<K>::Load(cio_load& in, unsigned long version) {
     const auto readKey = [version](cio_load& from, K& key) { return key.Load(from, version); };
-    const auto report = [](int ok) { Check(ok, "newkeys"); };
+    const auto report = [](int ok) { Check(ok, "newkeys", paramtrack::kNewKeysLine); };
     keyarray::TrackHead head;
     const int ok = keyarray::LoadKeys(in, keyarray::Store(keys, nkeys, nalloc), head,
                                       K::RecordBytes(version), readKey, report);

@@ -58,9 +58,11 @@ TEST(ParamTrack, InterpolatesLinearlyAndReportsMissingEndKeys) {
     EXPECT_EQ((std::pair{key.time, key.fov}), (std::pair{-1, 48.0f}));
     EXPECT_EQ(TrackAt({-10, -5}).GetInterpolateKey(3, key), 1);  // no key at last time 0
     ASSERT_EQ(recorder.Texts().size(), 2u);
-    EXPECT_NE(recorder.Texts()[0].find("File: Core/ccamanim,"), std::string::npos);
-    EXPECT_NE(recorder.Texts()[0].find("Expression: GetKey(first,key)\n"), std::string::npos);
-    EXPECT_NE(recorder.Texts()[1].find("Expression: GetKey(last,key)\n"), std::string::npos);
+    EXPECT_NE(recorder.Texts()[0].find("File: Core/ccamanim, Line: 185\n"
+                                       "Expression: GetKey(first,key)\n"),
+              std::string::npos);
+    EXPECT_NE(recorder.Texts()[1].find("Line: 191\nExpression: GetKey(last,key)\n"),
+              std::string::npos);
 }
 
 TEST(ParamTrack, GrowsByDoublingShrinksWhenLessThanHalfFullAndRecomputesKeyTimes) {

@@ -21,6 +21,14 @@ TEST(LightTrack, KeysTakeFalloffBeforeHotspotAndInterpolateEveryChannel) {
     track.SetKey(key);
     ASSERT_EQ(track.GetInterpolateKey(2, key), 1);
     EXPECT_EQ(Fields(key), (std::vector<float>{2, 0.25f, 0.75f, 0.5f, 0.25f, 25, 45, 150, 1.5f}));
+    // Without a key at the first key time 0 the report names this track's source.
+    AssertRecorder recorder;
+    clightanim late;
+    late.SetKey(key);
+    EXPECT_EQ(late.GetInterpolateKey(-1, key), 1);
+    EXPECT_TRUE(recorder.Count() == 1 &&
+                recorder.Texts()[0].find("File: Core/clightanim, Line: 185\n") !=
+                    std::string::npos);
 }
 
 TEST(LightTrack, RecordLayoutDependsOnTheVersion) {
