@@ -21,13 +21,13 @@
 
 #include "cbitarray.h"
 #include "ccolor.h"
+#include "cimage.h"
 #include "coreapi.h"
 #include "cpoint.h"
 #include "cquat.h"
 
 class cnode;
 class cmaterial;
-class cimage;
 
 class CORE_API cscene {
 public:
@@ -47,7 +47,8 @@ public:
     // hidden (and loses FLAG_SELECTED), a selected one as selected.
     void AddNode(cnode* node, int flag);
     // Adds `count` nodes in array order as AddNode does, stopping at the first one that is
-    // already in the scene: the nodes after it are not added. A null entry is skipped.
+    // already in the scene: the nodes after it are not added. A null entry is skipped; a
+    // count of 0 or less adds nothing.
     void AddNodeArray(cnode** nodes, int count, int flag);
     // Takes `node` out of the node array without destroying it: it leaves the selection and
     // the hidden set (both counters follow) and its flags become
@@ -101,7 +102,7 @@ public:
     // with `flag` 0 its name is first made unique (UniqueNameForMaterial).
     void AddMaterial(cmaterial* material, int flag);
     // Adds `count` materials in array order, stopping at the first one already present. A
-    // null entry is skipped.
+    // null entry is skipped; a count of 0 or less adds nothing.
     void AddMaterialArray(cmaterial** materials, int count, int flag);
     // Every node receives HandleMessage(MSG_MTL_DELETED, material, 0) so that it drops its
     // references, then the material leaves the array without being destroyed. Returns 1, or 0
@@ -122,7 +123,8 @@ public:
     // Renames `material` with UniqueNameForMaterial when another material bears its name.
     void EvalUniqueName(cmaterial* material);
 
-    // 1 when some node uses `material` (asks every node's IsMaterialUsed), else 0.
+    // 1 when some node uses `material` (asks every node's IsMaterialUsed), else 0. Null is
+    // asked too: a node without a material uses it.
     int IsMaterialUsed(cmaterial* material) const;
     // The number of the scene's materials that some node uses.
     int NumUsedMaterials() const;
@@ -228,11 +230,13 @@ public:
     // Restores the ambient colour (0.2, 0.2, 0.2, 1) and the background colour (0, 0, 0, 1).
     void ResetColors();
 
-    // The background image. The scene does not own it yet: ClearBkImage only forgets the
-    // pointer, and the caller that set it destroys it.
-    void SetBkImage(cimage* image) { bkimage = image; }
-    cimage* GetBkImage() const { return bkimage; }
-    void ClearBkImage() { bkimage = nullptr; }
+    // The background image, which the scene owns. SetBkImage copies `image` (pixels, path,
+    // frame and key settings; the caller keeps its own) or, given null, empties the scene's.
+    void SetBkImage(cimage* image);
+    // The scene's own image, never null: an image without pixels (IsEmpty) when none is set.
+    cimage* GetBkImage() { return &bkimage; }
+    // Releases the image's pixels and texture.
+    void ClearBkImage() { bkimage.Clear(); }
 
     // Fog: a switch, a colour and the start distance, end distance and density.
     void EnableFog(int on) { fog = on ? 1 : 0; }
@@ -281,8 +285,9 @@ protected:
     // it, which scene indices are listed already, and the scene index of every node.
     struct HierarchyWalk;
     // Lists the node at scene index `index` unless it is listed already, then its
-    // descendants that are in the scene, depth-first in child order.
-    void WalkNodesHierarchy(int index, HierarchyWalk& walk);
+    // descendants that are in the scene, depth-first in child order (on a stack of its own,
+    // not the call stack, so that a chain of any length fits).
+    void RecurseNodesHierarchy(int index, HierarchyWalk& walk);
 
 private:
     // Updates the cached single selected node after a change of the selected counter.
@@ -316,7 +321,7 @@ private:
     cpoint3 selcenter;
     ccolor ambient;
     ccolor bkcolor;
-    cimage* bkimage = nullptr;
+    cimage bkimage;
     int fog = 0;
     cpoint3 fogcolor;
     float fogstart = 0.0f;

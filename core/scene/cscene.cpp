@@ -249,7 +249,7 @@ void cscene::AddNode(cnode* node, int flag) {
 }
 
 void cscene::AddNodeArray(cnode** list, int count, int flag) {
-    if (!list) return;
+    if (!list || count <= 0) return;
     // Without renaming no node depends on the ones added before it, so the array can grow once
     // (a loaded project hands over all its nodes here). A rename looks at the nodes added
     // before, so with `flag` 0 the nodes go one at a time.
@@ -352,12 +352,12 @@ int cscene::GetNodesHierarchy(cbitarray& order) {
     const auto inScene = [&walk](const cnode* n) { return walk.IndexOf(n) >= 0; };
     for (int i = 0; i < nnodes; ++i) {
         if (i + kPrefetchAhead < nnodes) PrefetchBytes(nodes[i + kPrefetchAhead], sizeof(cnode));
-        if (!AnyAncestor(nodes[i], inScene)) WalkNodesHierarchy(i, walk);
+        if (!AnyAncestor(nodes[i], inScene)) RecurseNodesHierarchy(i, walk);
     }
     // Whatever the roots did not reach (a parent chain that loops, or that leads to a scene node
     // only through nodes outside the scene) starts a walk of its own.
     for (int i = 0; i < nnodes; ++i)
-        if (!walk.listed[i]) WalkNodesHierarchy(i, walk);
+        if (!walk.listed[i]) RecurseNodesHierarchy(i, walk);
     return walk.next;
 }
 
@@ -380,7 +380,7 @@ int cscene::SetNodeOrder(const cbitarray& order) {
     return 1;
 }
 
-void cscene::WalkNodesHierarchy(int index, HierarchyWalk& walk) {
+void cscene::RecurseNodesHierarchy(int index, HierarchyWalk& walk) {
     // Depth first, each node before its children in child order, on a stack of our own so
     // that a chain of any length fits.
     const auto list = [&walk](const cnode* node, int at) {
@@ -451,7 +451,7 @@ void cscene::AddMaterial(cmaterial* material, int flag) {
 }
 
 void cscene::AddMaterialArray(cmaterial** list, int count, int flag) {
-    if (!list) return;
+    if (!list || count <= 0) return;
     // As AddNodeArray: without renaming the array grows once.
     if (flag != 0 && AddAllAtOnce(materials, nmaterials, list, count, [](cmaterial*) {})) return;
     for (int i = 0; i < count; ++i) {
@@ -510,7 +510,6 @@ void cscene::EvalUniqueName(cmaterial* material) {
 }
 
 int cscene::IsMaterialUsed(cmaterial* material) const {
-    if (!material) return 0;
     for (int i = 0; i < nnodes; ++i)
         if (nodes[i]->IsMaterialUsed(material)) return 1;
     return 0;
@@ -801,6 +800,13 @@ void cscene::AddNotes(char const* text, int length) {
 
 int cscene::NotesSize() const {
     return NotesTextSize(notes);
+}
+
+void cscene::SetBkImage(cimage* image) {
+    if (image)
+        CopyImage(bkimage, *image);
+    else
+        bkimage.Clear();
 }
 
 void cscene::Clear() {

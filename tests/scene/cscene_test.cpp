@@ -1,7 +1,9 @@
 #include "cscene.h"
 
 #include <algorithm>
+#include <type_traits>
 
+#include "cimage.h"
 #include "cmaterial.h"
 #include "coreinterface.h"
 #include "scene/aimednodes.h"
@@ -56,6 +58,10 @@ protected:
 };
 
 TEST_F(SceneTest, ArrayAdditionStopsAtTheFirstNodeAlreadyPresent) {
+    cnode* none[] = {nullptr};
+    cmaterial* noMaterial[] = {nullptr};
+    MainScene.AddNodeArray(none, -1, 1);  // a negative count adds nothing
+    MainScene.AddMaterialArray(noMaterial, -1, 1);
     TestNode* present = Add("Present");
     auto* hiddenSelected = new TestNode("HiddenSelected");
     auto* selected = new TestNode("Selected");
@@ -143,6 +149,13 @@ TEST_F(SceneTest, DeletionTellsTheOthersFirstAndClearDestroysMaterialsBeforeNode
     MainScene.CopyNotes("scene notes", 11);
     MainScene.EnableFog(1);
     MainScene.SetSubLevel(2);
+    {
+        cimage picture;
+        unsigned char rgb[3 * 4] = {};
+        ASSERT_EQ(picture.SetBits(nullptr, rgb, nullptr, 2, 2, 24, 0), 1);
+        MainScene.SetBkImage(&picture);
+    }
+    EXPECT_EQ(MainScene.GetBkImage()->GetWidth(), 2) << "the scene keeps a copy of its own";
     MainScene.Clear();
     EXPECT_EQ(events,
               (std::vector<std::string>{"A told Doomed", "host told Doomed", "destroyed Doomed",
@@ -151,7 +164,14 @@ TEST_F(SceneTest, DeletionTellsTheOthersFirstAndClearDestroysMaterialsBeforeNode
                      MainScene.IsFogEnabled(), MainScene.GetSubLevel()),
               Values(0, 0, 0, 0, 0));
     EXPECT_EQ(MainScene.GetNotes(), nullptr);
+    EXPECT_EQ(MainScene.GetBkImage()->IsEmpty(), 1);
 }
+
+// The hierarchy walk's helper keeps its name for classes derived from the scene.
+struct HierarchyHelper : cscene {
+    using cscene::RecurseNodesHierarchy;
+};
+static_assert(std::is_member_function_pointer_v<decltype(&HierarchyHelper::RecurseNodesHierarchy)>);
 
 TEST_F(SceneTest, HierarchyOfAnyDepthIsListed) {
     // A chain far deeper than a call stack could follow, added leaf first.
@@ -171,12 +191,15 @@ TEST_F(SceneTest, MaterialsAreAppliedToTheSelectionAndCountedWhenUsed) {
     MainScene.Select(Add("A"));
     auto* used = new cmaterial("Used");
     MainScene.AddMaterial(new cmaterial("Idle"), 1);
+    // Every node is asked, also about no material, which a node without one uses.
+    const int noneUsed = MainScene.IsMaterialUsed(nullptr);
     EXPECT_EQ(MainScene.ApplyMaterial(used), 1);
     cbitarray unused;
     EXPECT_EQ(MainScene.GetUnusedMaterials(unused), 1);
     // The applied material joins the scene; removing it makes the nodes drop it.
-    EXPECT_EQ(Values(MainScene.Find(used), MainScene.NumUsedMaterials(), unused[0], unused[1]),
-              Values(1, 1, 1, 0));
+    EXPECT_EQ(Values(MainScene.Find(used), MainScene.NumUsedMaterials(), unused[0], unused[1],
+                     noneUsed, MainScene.IsMaterialUsed(nullptr)),
+              Values(1, 1, 1, 0, 1, 0));
     EXPECT_TRUE(MainScene.RemoveMaterialAt(1) == used && !MainScene.GetNodeAt(0)->GetMaterial());
     used->Delete();
 }
