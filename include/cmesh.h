@@ -208,8 +208,8 @@ public:
     int GetNumHiddenElements(unsigned int level) const override;
     // The world position at `time` of the selection centre of `level`; 0 with no selection.
     int GetSelElementsCenter(unsigned int level, int time, cpoint3& center) const override;
-    // Selection and hiding at the node's sub-object level; return 1 when the level has
-    // elements.
+    // Selection and hiding at the node's sub-object level; return 1 at levels 1 to 3 and 0
+    // at any other level.
     int SelectAll() override;
     int DeselectAll() override;
     int InvertSelection() override;
@@ -374,7 +374,7 @@ public:
     void DeleteSelVerts();
     void DeleteSelFaces();
     void DeleteSelEdges();
-    // Remove vertices / texture vertices no valid face uses, faces with invalid vertex indices.
+    // Remove vertices / texture vertices no face refers to, faces with invalid vertex indices.
     int ClearUnusedVerts();
     int ClearUnusedTVerts();
     int ClearInvalidFaces();

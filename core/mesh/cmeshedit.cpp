@@ -302,8 +302,9 @@ int cmesh::AddMesh(int keepSelection, const cmesh& mesh, int clearMaterials) {
     for (cface& f : newFaces) {
         f.flags = unselect(f.flags);
         if (clearMaterials) f.material = nullptr;
+        // A negative index means none and stays so; re-basing it could make it valid.
         for (int k = 0; k < 3; ++k) {
-            f.v[k] += vertBase;
+            if (f.v[k] >= 0) f.v[k] += vertBase;
             if (f.tv[k] >= 0) f.tv[k] += tvertBase;
         }
     }

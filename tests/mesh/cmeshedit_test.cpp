@@ -43,6 +43,15 @@ TEST(MeshEdit, AddsDeletesAndClearsWithRebasedIndices) {
     EXPECT_EQ(std::tuple(std::pair(mesh.NumVerts(), mesh.NumFaces()), Corners(mesh, 2),
                          Corners(mesh, 14), mesh.NumSelFaces()),
               std::tuple(std::pair(20, 26), Tri{4, 6, 7}, Tri{12, 14, 15}, 1));
+    // A missing index (-1, as a record may hold) stays missing instead of becoming base - 1.
+    cmesh holed, target;
+    MakeSquare(holed), MakeSquare(target);
+    std::string record = SavedRecord(holed);
+    record.replace(record.size() - 12 - 2 * 34 + 10, 4, ByteString().Ints({-1}).bytes);
+    ASSERT_EQ(LoadRecord(holed, record, 16), 1);
+    target.AddMesh(1, holed, 0);
+    EXPECT_EQ(std::tuple(Corners(target, 2), target.CheckFaceVIndices(2)),
+              std::tuple(Tri{4, 5, -1}, 0));
     const cpoint3 points[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
     const int bad[3] = {0, 1, 3};
     const std::array<int, 4> added{mesh.AddFace(cface(0, 1, 40)), mesh.AddFace(cface(0, 1, 2)),
@@ -76,8 +85,11 @@ TEST(MeshEdit, ReportsASelectionCounterThatDisagreesWithTheFlags) {
     bytes.replace(header + 20, 4, ByteString().Ints({2}).bytes);
     ASSERT_EQ(LoadRecord(mesh, bytes, 16), 1);
     mesh.DeleteSelFaces();
+    // Every file of the mesh class reports under the class's one file name.
     EXPECT_TRUE(recorder.Count() == 1 &&
-                recorder.Texts()[0].find("isel==nselfaces") != std::string::npos);
+                recorder.Texts()[0].find("isel==nselfaces") != std::string::npos &&
+                recorder.Texts()[0].find("File: Core/cmesh,") != std::string::npos)
+        << (recorder.Count() ? recorder.Texts()[0] : "");
     EXPECT_EQ(mesh.NumFaces(), 11);
 }
 
