@@ -134,11 +134,57 @@ bool RadiancePixelsFit(Bytes file, long long width, long long height) {
     return true;
 }
 
+// A GIF holds the logical screen, colour tables, extension blocks and then the first image:
+// its descriptor, colour table, code size and a chain of data sub-blocks ended by an empty
+// one. The reader allocates the whole screen before it looks at the image, so the blocks up
+// to the end of the first image are walked here first: a file cut short, or one with no
+// image, is refused before anything is allocated.
+bool GifImageFits(Bytes file) {
+    const unsigned char* at = file.data + 13;  // signature and logical screen descriptor
+    const unsigned char* const end = file.data + file.size;
+    if (end - at < 0) return false;
+    const auto skipColorTable = [&](unsigned char packed) {
+        const long long bytes = packed & 0x80 ? 3LL << ((packed & 7) + 1) : 0;
+        if (bytes > end - at) return false;
+        at += bytes;
+        return true;
+    };
+    const auto skipSubBlocks = [&] {
+        while (at < end) {
+            const int size = *at++;
+            if (size == 0) return true;
+            if (size > end - at) return false;
+            at += size;
+        }
+        return false;
+    };
+    if (!skipColorTable(file.data[10])) return false;
+    while (at < end) {
+        const unsigned char introducer = *at++;
+        if (introducer == 0x21) {  // an extension: its label, then sub-blocks
+            if (at == end) return false;
+            ++at;
+            if (!skipSubBlocks()) return false;
+        } else if (introducer == 0x2C) {  // the image descriptor, then its code size
+            if (end - at < 9) return false;
+            const unsigned char packed = at[8];
+            at += 9;
+            if (!skipColorTable(packed) || at == end) return false;
+            ++at;
+            return skipSubBlocks();
+        } else {
+            return false;  // the trailer, or anything unknown, before any image
+        }
+    }
+    return false;
+}
+
 // TGA has no signature: what is no other known format is taken for one.
 bool PixelDataFits(Bytes file, int width, int height) {
     if (StartsWith(file, "BM", 2)) return UncompressedBmpFits(file);
     if (StartsWith(file, "#?", 2)) return RadiancePixelsFit(file, width, height);
-    if (StartsWith(file, "GIF8", 4) || StartsWith(file, "8BPS", 4)) return true;
+    if (StartsWith(file, "GIF8", 4)) return GifImageFits(file);
+    if (StartsWith(file, "8BPS", 4)) return true;
     return UncompressedTgaFits(file);
 }
 

@@ -55,6 +55,10 @@ std::vector<std::string> FuzzSeeds() {
                     "\x00\x02\x02"
                     "D\x01\x00;",
                     43));
+    // A GIF whose screen of 1606 x 11900 the file's size allows, but which holds no image: it
+    // is refused before the screen is allocated.
+    seeds.push_back(std::string("GIF89a\x46\x06\x7c\x2e\x00\x00\x00", 13) +
+                    std::string(2649, '\0'));
     seeds.push_back(
         std::string("\x00\x00\x0a\x00\x00\x00\x00\x00\x00\x00\x00\x00\x02\x00\x02\x00"
                     "\x18\x20\x81\x10\x20\x30\x81\x40\x50\x60",

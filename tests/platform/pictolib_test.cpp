@@ -266,6 +266,16 @@ TEST(PictoLib, TrustsTheContentNotTheNameAndRefusesDamagedFiles) {
     std::string empty = rle;
     empty[radiance.size() + 4] = '\0';
     EXPECT_EQ(LoadBytes(empty).width, 0);
+    // A 1 x 1 GIF: cut anywhere before the end of its image data, it is refused.
+    const std::string gif(
+        "GIF89a\x01\x00\x01\x00\x80\x00\x00\xff\xff\xff\x00\x00\x00"
+        "!\xf9\x04\x01\x00\x00\x00\x00,\x00\x00\x00\x00\x01\x00\x01\x00"
+        "\x00\x02\x02"
+        "D\x01\x00;",
+        43);
+    EXPECT_EQ(LoadBytes(gif).width, 1);
+    for (std::size_t length = 6; length < gif.size() - 1; ++length)
+        EXPECT_EQ(LoadBytes(gif.substr(0, length)).width, 0) << "GIF cut at " << length;
     // A header claiming a picture far larger than the file is refused before allocating.
     std::string huge = png;
     std::memcpy(&huge[16], "\0\0\x40\0\0\0\x40\0", 8);  // 16384 x 16384
