@@ -66,11 +66,9 @@ inline void SetTarget(cnode& self, cnode*& target, cnode* node) {
     if (node == &self) return;
     if (target && !node) {
         const int now = GetAnimTime();
-        // The scene flags a target as deleted before it tells the nodes; the facing to keep is
-        // still the one towards it.
-        cmatrix4 look;
-        const cquat facing =
-            LookAt(self, *target, now, look) ? QuatFromMatrix(look) : self.cnode::GetRotation(now);
+        // The facing shown now: towards the target, or the node's own while the target carries
+        // the deleted flag, so that dropping a deleted target does not turn the node.
+        const cquat facing = self.GetRotation(now);
         target = nullptr;
         self.SetRotation(now, facing);
         return;

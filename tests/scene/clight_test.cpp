@@ -107,6 +107,10 @@ TEST_F(Light, FacesItsAnimatedTargetKeepingAnUnsignedRoll) {
     EXPECT_TRUE(Near3(rolled[1].GetNodeTM(0, TM_ROT).GetRow3(0), m.GetRow3(0)));
     target.SetFlags(FLAG_DELETED);  // a target being deleted no longer steers
     EXPECT_TRUE(Near3(Facing(light, 80), cpoint3(0, 0, 1))) << "its own, unturned facing";
+    SetAnimTime(80);
+    EXPECT_EQ(light.HandleMessage(MSG_NODE_DELETED, &target, nullptr), 1);
+    EXPECT_TRUE(light.GetTarget() == nullptr && Near3(Facing(light, 80), cpoint3(0, 0, 1)))
+        << "dropping the deleted target turns nothing";
     target.SetFlags(0);
 }
 
