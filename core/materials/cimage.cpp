@@ -61,12 +61,20 @@ bool Readable(std::string const& path) {
     return regular;
 }
 
+// The file name a search tries in other folders: what follows the last backslash, else what
+// follows the last slash, else the whole path.
+std::string SearchName(std::string const& path) {
+    size_t separator = path.rfind('\\');
+    if (separator == std::string::npos) separator = path.rfind('/');
+    return separator == std::string::npos ? path : path.substr(separator + 1);
+}
+
 // The stored path if it opens, else "./" + its file name, else the application's "/Maps/"
 // folder + its file name; "" when none opens.
 std::string FindImageFile(char const* path) {
     const std::string stored(path);
     if (Readable(stored)) return stored;
-    const std::string name = stored.substr(NameStart(stored));
+    const std::string name = SearchName(stored);
     for (std::string const& candidate : {"./" + name, std::string(GetAppPath()) + "/Maps/" + name})
         if (Readable(candidate)) return candidate;
     return std::string();
@@ -131,6 +139,11 @@ int FrameByFlag(int f, int n, unsigned int flag) {
 }
 
 // ---- Pixels ----
+
+// The lines allocation failures are reported under, one per report text.
+constexpr int kBitsLine = 349;
+constexpr int kAlphaBitsLine = 424;
+constexpr int kImgLine = 1007;
 
 // A buffer of `bytes` or null, with the allocation report `text` when memory runs out.
 unsigned char* Allocate(size_t bytes, char const* text, int line) {
@@ -314,7 +327,7 @@ void cimage::PixelRelease::operator()(unsigned char* buffer) const {
 
 int cimage::AllocatePixels(int w, int h) {
     if (!bits || w != width || h != height) {
-        bits = Pixels(Allocate(PixelCount(w, h) * 4, "bits", __LINE__));
+        bits = Pixels(Allocate(PixelCount(w, h) * 4, "bits", kBitsLine));
         if (!bits) return 0;
     }
     width = w;
@@ -396,7 +409,7 @@ int cimage::StoreAlphaBits() {
         alphaBits.reset();
         return 1;
     }
-    alphaBits = Pixels(Allocate(count, "alphabits", __LINE__));
+    alphaBits = Pixels(Allocate(count, "alphabits", kAlphaBitsLine));
     if (!alphaBits) return 0;
     for (i = 0; i < count; ++i) alphaBits[i] = bits[4 * i + 3];
     return 1;
@@ -407,7 +420,7 @@ int cimage::SetBits(char* name, unsigned char* newBits, unsigned char* palette, 
     const bool depthKnown =
         bitsPerPixel == 16 || bitsPerPixel == 24 || bitsPerPixel == 32 || bitsPerPixel == 8;
     if (!newBits || !depthKnown || (bitsPerPixel == 8 && !palette) || w < 1 || h < 1) return 0;
-    Pixels converted(Allocate(PixelCount(w, h) * 4, "bits", __LINE__));
+    Pixels converted(Allocate(PixelCount(w, h) * 4, "bits", kBitsLine));
     if (!converted ||
         !ConvertTo32(converted.get(), newBits, nullptr, palette, w, h, bitsPerPixel, flags))
         return 0;
@@ -600,8 +613,8 @@ void cimage::ReleaseTexture() {
 }
 
 void cimage::Bind() {
-    if (!bits || !TexContextAvailable()) return;
     UpdateTransparentFlag();
+    if (!bits || !TexContextAvailable()) return;
     TexContextScope scope;
     int w = width, h = height;
     if (!IsTextureSide(w) || !IsTextureSide(h)) {
@@ -612,7 +625,7 @@ void cimage::Bind() {
     h = std::min(h, kTextureCap);
     std::unique_ptr<unsigned char[]> scaled;
     if (w != width || h != height) {
-        scaled.reset(Allocate(PixelCount(w, h) * 4, "img", __LINE__));
+        scaled.reset(Allocate(PixelCount(w, h) * 4, "img", kImgLine));
         if (!scaled) return;
         gluScaleImage(GL_RGBA, width, height, GL_UNSIGNED_BYTE, bits.get(), w, h, GL_UNSIGNED_BYTE,
                       scaled.get());
@@ -644,7 +657,7 @@ void CopyImage(cimage& dst, const cimage& src) {
     if (src.bits && copy.AllocatePixels(src.width, src.height))
         std::memcpy(copy.bits.get(), src.bits.get(), count * 4);
     if (src.alphaBits) {
-        copy.alphaBits = cimage::Pixels(Allocate(count, "alphabits", __LINE__));
+        copy.alphaBits = cimage::Pixels(Allocate(count, "alphabits", kAlphaBitsLine));
         if (copy.alphaBits) std::memcpy(copy.alphaBits.get(), src.alphaBits.get(), count);
     }
     if (src.clip) {

@@ -77,6 +77,8 @@ TEST(ImageLoad, ReadsPixelsWithAlphaFromTheStoredPathTheWorkingFolderOrMapsAndKe
         Convert("-size 1x1 xc:red -size 1x1 xc:blue +append -size 2x1 "
                 "'xc:rgba(0,255,0,0.0)' -append",
                 work.File("pic.png")));
+    ASSERT_TRUE(std::filesystem::create_directory(work.File("sub")));
+    ASSERT_TRUE(SolidPicture(work.File("sub/leaf.png"), "#000000", 1, 1));
     WriteFileBytes(work.File("bad.png"), std::string("\x89PNG\r\n\x1a\ngarbage", 16));
     WriteFileBytes(work.File("bad.avi"), "RIFF....AVI nothing");
     const std::filesystem::path cwd = std::filesystem::current_path();
@@ -94,6 +96,8 @@ TEST(ImageLoad, ReadsPixelsWithAlphaFromTheStoredPathTheWorkingFolderOrMapsAndKe
     EXPECT_EQ(Alphas(image), Ints(4, 255)) << "the alpha switch holds";
     EXPECT_EQ(image.IsTransparent(), 0);
 
+    // The name is what follows the last backslash, even when a slash comes after it.
+    EXPECT_EQ(image.Load("C:\\gone\\sub/leaf.png"), 1);
     EXPECT_EQ(image.Load("C:\\old\\maps\\wood.png"), 1);
     for (const char* file : {"bad.png", "bad.avi", "/gone/nowhere.png", ""}) {
         EXPECT_EQ(image.Load(file), 0) << file;
@@ -121,6 +125,13 @@ TEST(ImageSetBits, ConvertsEveryDepthAndRefusesTheRest) {
                   image.SetBits(nullptr, nullptr, nullptr, 1, 1, 32, 0) +
                   image.SetBits(nullptr, indices, nullptr, 1, 1, 8, 0),
               0);
+#ifndef __SANITIZE_ADDRESS__  // the sanitizer ends the process on a request this large
+    AssertRecorder recorder;
+    EXPECT_EQ(image.SetBits(nullptr, rgb, nullptr, 1 << 30, 1 << 30, 24, 0), 0);
+    EXPECT_TRUE(recorder.Count() == 1 &&
+                recorder.Texts()[0].find("File: Core/cimage, Line: 349\nExpression: bits\n") !=
+                    std::string::npos);
+#endif
     EXPECT_EQ(PixelAt(image, 0, 0), (Pixel{4, 5, 6, 255})) << "refused pixels change nothing";
 }
 
@@ -141,6 +152,9 @@ TEST(ImageAlpha, ColourKeyAlphaSwitchAndChannelConversions) {
     EXPECT_EQ(Alphas(image), (Ints{128, 255, 40}));
     image.MakeRGBOutOfAlphaChannel();
     EXPECT_EQ(PixelAt(image, 0, 0), (Pixel{128, 128, 128, 128}));
+    for (int i = 0; i < 3; ++i) image.GetBitsPtr()[4 * i + 3] = 255;
+    image.Bind();  // without a GL context only the transparent flag follows the pixels
+    EXPECT_EQ(image.IsTransparent(), 0);
 }
 
 using TextureUpload = GLTest;
