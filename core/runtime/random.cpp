@@ -21,7 +21,9 @@ void seedrandtime() {
 int rand(int a, int b) {
     // Intended: integer division, so the result is `a` for every draw but the largest.
     const int q = Draw() / kDrawMax;
-    return a + q * (b - a);
+    // a + q * (b - a) for q of 0 or 1, written so that a span b - a wider than int cannot
+    // overflow.
+    return q == 0 ? a : b;
 }
 
 double rand(double a, double b) {

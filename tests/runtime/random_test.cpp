@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 
 namespace {
@@ -26,6 +27,8 @@ TEST(Random, IntegerFormGivesTheLowerBoundForEveryDrawButTheLargest) {
     }
     ASSERT_TRUE(top && bottom);
     EXPECT_EQ(Draw(top, -4, 6), 6);
+    EXPECT_EQ(Draw(top, INT_MIN, INT_MAX), INT_MAX) << "a span wider than int still gives b";
+    EXPECT_EQ(Draw(bottom, INT_MAX, INT_MIN), INT_MAX);
     EXPECT_EQ(Draw(top, 2.0f, 4.0f), 4.0f) << "the floating forms cover the closed range";
     EXPECT_EQ(Draw(bottom, 2.0, 4.0), 2.0);
 }
