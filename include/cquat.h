@@ -69,8 +69,9 @@ public:
         w -= q.w;
         return *this;
     }
-    cquat& operator*=(const cquat& q) {
-        const cquat a = *this;
+    cquat& operator*=(const cquat& b) {
+        // Both operands copied first: b may be this quaternion itself (q *= q).
+        const cquat a = *this, q = b;
         x = q.w * a.x + a.w * q.x + (a.y * q.z - a.z * q.y);
         y = q.w * a.y + a.w * q.y + (a.z * q.x - a.x * q.z);
         z = q.w * a.z + a.w * q.z + (a.x * q.y - a.y * q.x);

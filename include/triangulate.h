@@ -58,8 +58,10 @@ public:
 
     // Adds `item` at the end.
     void Append(const T& item) {
+        // Copied first: item may be an element of this array, whose block Grow frees.
+        const T copy = item;
         if (count_ == capacity_) Grow();
-        data_[count_++] = item;
+        data_[count_++] = copy;
     }
     // Frees the block; count and capacity become 0.
     void Clear() {

@@ -100,10 +100,9 @@ void cmatrix4::Set(const cpoint3& row0, const cpoint3& row1, const cpoint3& row2
 
 void cmatrix4::Set(const cpoint4& row0, const cpoint4& row1, const cpoint4& row2,
                    const cpoint4& row3) {
-    (*this)[0] = row0;
-    (*this)[1] = row1;
-    (*this)[2] = row2;
-    (*this)[3] = row3;
+    // Copied before any row is written: the rows may be this matrix's own (m.Set(m[1], ...)).
+    const cpoint4 rows[4] = {row0, row1, row2, row3};
+    for (int i = 0; i < 4; ++i) (*this)[i] = rows[i];
 }
 
 bool cmatrix4::IsIdentity() const {

@@ -95,9 +95,10 @@ bool Triangulate::Process(int plane, const Array<TriVertex>& contour, Array<TriT
 }
 
 bool Triangulate::Process(int plane, const Array<TriVertex>& contour, Array<TriVertex>& result) {
+    // Cleared before the contour is read, as the index form does, even when it is the contour.
+    result.Clear();
     Array<TriTriangle> triangles;
     const bool done = Process(plane, contour, triangles);
-    result.Clear();
     for (int t = 0; t < triangles.Count(); ++t) {
         result.Append(contour[triangles[t].Get1()]);
         result.Append(contour[triangles[t].Get2()]);

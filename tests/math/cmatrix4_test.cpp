@@ -111,12 +111,16 @@ TEST(Matrix, EulerAnglesComeBackFromTheMatrix) {
     EXPECT_EQ(locked.z, 0.0f);
 }
 
-TEST(Matrix, LookAtBuildsRowsFromDirectionAndUp) {
+TEST(Matrix, SetAndLookAtBuildTheRows) {
     // Row 0 is not normalised: parallel dir and up give zeros. Cameras and lights check the
     // general case.
     cmatrix4 m = kCounting;
     MatrixLookAt(m, cpoint3(0, 1, 0), cpoint3(0, 4, 0));
     ExpectElements(m, {0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1});
+    // Rows taken from the matrix itself are swapped, not copied over one another.
+    m = kCounting;
+    m.Set(m[1], m[0], m[3], m[2]);
+    ExpectElements(m, {5, 6, 7, 8, 1, 2, 3, 4, 13, 14, 15, 16, 9, 10, 11, 12});
 }
 
 }  // namespace

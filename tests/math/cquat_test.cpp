@@ -56,6 +56,8 @@ TEST(Quaternion, ProductIsHamiltonsAndRotatesByTheLeftOperandFirst) {
         const cquat a = SameStorage(ea), b = SameStorage(eb);
         ExpectNear(a * b, SameStorage(ea * eb), 1e-6f);
         ExpectNear(a / b, SameStorage(ea * eb.inverse()), 1e-5f);
+        cquat squared = a;  // the operand is the quaternion being assigned
+        ExpectNear(squared *= squared, SameStorage(ea * ea), 1e-6f);
         // A scaled quaternion is the same rotation, for the point and the matrix.
         const Eigen::Vector3f p = random.Vector(10.0f);
         const cpoint3 ours = FromEigen(p);

@@ -60,7 +60,10 @@ std::vector<Point> ReadOuterRing(const std::string& path) {
 TEST(TriangulateArray, GrowsByDoublingFromSixteenAndClearsToNothing) {
     Array<TriTriangle> a;
     std::vector<int> capacities = {a.Capacity()};
-    for (int i = 0; i < 17; ++i) a.Append(TriTriangle(i, i, i)), capacities.push_back(a.Capacity());
+    for (int i = 0; i < 16; ++i) a.Append(TriTriangle(i, i, i)), capacities.push_back(a.Capacity());
+    a.Append(a[0]);  // an element of the full array itself, read before its block is freed
+    capacities.push_back(a.Capacity());
+    EXPECT_EQ(Triples(a).back(), (Tri{0, 0, 0}));
     a.Clear();
     EXPECT_EQ((std::vector<int>{capacities[0], capacities[1], capacities[16], capacities[17],
                                 a.Capacity()}),
@@ -108,6 +111,10 @@ TEST(Triangulate, ClipsEarsInContourOrderPerPlane) {
                       row.contour[static_cast<size_t>(row.triangles[i / 3][i % 3])])
                 << row.why << i;
     }
+    // The result is cleared first, even when it is the contour itself.
+    Array<TriVertex> same = Contour({{0, 0}, {1, 0}, {1, 1}});
+    EXPECT_FALSE(Triangulate::Process(1, same, same));
+    EXPECT_EQ(same.Count(), 0);
 }
 
 // Every outer ring of the shared polygon fixtures: a successful triangulation has n - 2
