@@ -328,6 +328,13 @@ public:
     int GetSmNormal(cpoint3& normal, int face, int corner) const;
     // 1 when face i's vertex indices are valid.
     int CheckFaceVIndices(int i) const;
+    // 1 when edge e (corner e % 3 of face e / 3) joins two different vertices in range.
+    // Inline: the adjacency and cluster builders ask it for every edge.
+    int CheckEdgeVIndices(int e) const {
+        if (e < 0 || e >= 3 * numFaces) return 0;
+        const int a = faces[e / 3].v[e % 3], b = faces[e / 3].v[(e + 1) % 3];
+        return a >= 0 && a < numVerts && b >= 0 && b < numVerts && a != b;
+    }
 
     // ---- Materials ----
     // Sets the mesh material; with `clearFaces` non-zero every face's material becomes none.

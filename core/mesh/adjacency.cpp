@@ -186,16 +186,6 @@ int CheckFaceList::Check() {
 
 // ---- AdjEdgeList ----
 
-namespace {
-
-// Whether edge k of face f joins two different vertices in range.
-bool ValidEdge(const cface& face, int k, int numVerts) {
-    const int a = face.v[k], b = face.v[(k + 1) % 3];
-    return a >= 0 && b >= 0 && a < numVerts && b < numVerts && a != b;
-}
-
-}  // namespace
-
 int AdjEdgeList::Init(cmesh& mesh) {
     edges_.clear();
     vertEdges_.clear();
@@ -206,7 +196,7 @@ int AdjEdgeList::Init(cmesh& mesh) {
         std::vector<int> starting(static_cast<size_t>(std::max(numVerts, 0)), 0);
         for (int f = 0; f < numFaces; ++f)
             for (int k = 0; k < 3; ++k)
-                if (ValidEdge(faces[f], k, numVerts)) ++starting[faces[f].v[k]];
+                if (mesh.CheckEdgeVIndices(3 * f + k)) ++starting[faces[f].v[k]];
         vertEdges_.resize(starting.size());
         for (size_t v = 0; v < starting.size(); ++v) {
             vertEdges_[v].SetSize(starting[v], 0);
@@ -217,7 +207,7 @@ int AdjEdgeList::Init(cmesh& mesh) {
         for (int f = 0; f < numFaces; ++f) {
             for (int k = 0; k < 3; ++k) {
                 const int e = 3 * f + k;
-                if (ValidEdge(faces[f], k, numVerts)) {
+                if (mesh.CheckEdgeVIndices(e)) {
                     const int v = faces[f].v[k];
                     vertEdges_[v].Set(starting[v]++, e);
                 }

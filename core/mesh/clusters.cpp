@@ -179,13 +179,9 @@ int EdgeClusterList::Init(cmesh& mesh, AdjEdgeList& adjacency, int selectedOnly)
     } catch (const std::bad_alloc&) {
         return 0;
     }
-    const int numVerts = mesh.NumVerts();
     for (int e = 0; e < numEdges; ++e) {
-        const AdjEdge& r = adjacency.GetEdge(e);
-        const bool valid =
-            r.v0 >= 0 && r.v1 >= 0 && r.v0 < numVerts && r.v1 < numVerts && r.v0 != r.v1;
         const bool selected = (mesh.GetEdgeFlags(e) & ELEMENT_SELECTED) != 0;
-        if (!valid || (selectedOnly && !selected)) visited_[e] = 1;
+        if (!mesh.CheckEdgeVIndices(e) || (selectedOnly && !selected)) visited_[e] = 1;
     }
     numClusters_ = FormClusters(visited_, static_cast<unsigned int>(numEdges),
                                 [this](unsigned int e, unsigned int id) { return Recurse(e, id); });

@@ -11,6 +11,12 @@ TEST(MeshElements, EdgesCompareEitherWayAndIndicesAreChecked) {
                          CompareEdge(ab, ba), CompareBoth(ab, ba), cedge(3, 3).CheckIndices(),
                          cedge(-1, 3).CheckIndices(), cface(0, 1, 1).CheckVIndices(3)),
               std::tuple(3u, 0u, true, true, false, true, false, false, 0));
+    // Edges of a valid face, of a face left at its default indices, and numbers outside.
+    cmesh mesh;
+    ASSERT_EQ(mesh.Allocate(3, 0, 2) + mesh.SetFace(0, cface(0, 1, 2)), 2);
+    std::vector<int> valid;
+    for (int e : {0, 1, 2, 3, 5, -1, 6}) valid.push_back(mesh.CheckEdgeVIndices(e));
+    EXPECT_EQ(valid, (std::vector<int>{1, 1, 1, 0, 0, 0, 0}));
 }
 
 TEST(MeshArrays, RefuseEmptyAllocationsIndexZeroAndOutOfRangeAndKeepTheBoxRule) {
