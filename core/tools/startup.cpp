@@ -2,8 +2,13 @@
 #include "tools/startup.h"
 #include "coreinterface.h"
 #include "coreplatform.h"
+#include "tools/rebuildcreators.h"
 
 int RegisterBuiltinInterfaces(HINSTANCE /*instance*/) {
+    // The invisible creators have no panel, so their module instance stays null.
+    RegisterInterface(&theNodeCreator);
+    RegisterInterface(&theMeshCreator);
+    RegisterInterface(&theSkinCreator);
     return 1;
 }
 

@@ -5,7 +5,8 @@
 #include "coreapi.h"
 
 // Registers the built-in creators and modifiers, in their fixed order, with the library's
-// module handle; returns 1. The library has no built-in tools yet, so nothing is registered.
+// module handle; returns 1. The built-in tools so far are the three invisible creators of
+// plain nodes, meshes and skins.
 int RegisterBuiltinInterfaces(HINSTANCE instance);
 
 #endif
