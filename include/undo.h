@@ -11,8 +11,7 @@
 #include "coreapi.h"
 
 // Type codes of the standard undo items (CreateNewUndoItem). Each code has its own item
-// class; the default level name is given after the code. Codes 31 and 32 are free for items
-// still to come and make no item yet.
+// class; the default level name is given after the code.
 enum : unsigned long {
     UNDO_MOVE = 2,               // "Move": transforms and key tracks of the selected nodes
     UNDO_ROTATE = 3,             // "Rotate": the same
