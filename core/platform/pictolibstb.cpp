@@ -140,9 +140,9 @@ bool RadiancePixelsFit(Bytes file, long long width, long long height) {
 // to the end of the first image are walked here first: a file cut short, or one with no
 // image, is refused before anything is allocated.
 bool GifImageFits(Bytes file) {
+    if (file.size < 13) return false;
     const unsigned char* at = file.data + 13;  // signature and logical screen descriptor
     const unsigned char* const end = file.data + file.size;
-    if (end - at < 0) return false;
     const auto skipColorTable = [&](unsigned char packed) {
         const long long bytes = packed & 0x80 ? 3LL << ((packed & 7) + 1) : 0;
         if (bytes > end - at) return false;
