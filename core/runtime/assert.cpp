@@ -8,6 +8,7 @@
 #include "coreassert.h"
 #include "coreinterface.h"
 #include "coreplatform.h"
+#include "runtime/deferredreports.h"
 
 namespace {
 
@@ -22,9 +23,39 @@ void AppendToLog(char const* text) {
     std::fclose(log);
 }
 
+thread_local DeferredReports* collecting = nullptr;
+
 }  // namespace
 
+CollectReports::CollectReports(DeferredReports& reports) : outer(collecting) {
+    collecting = &reports;
+}
+
+CollectReports::~CollectReports() {
+    collecting = outer;
+}
+
+void HoldReport(DeferredReports& reports, char const* expression, char const* file, int line) {
+    try {
+        reports.entries.push_back({expression ? expression : "", file ? file : "", line});
+    } catch (...) {
+        // With no memory left to hold the report, it is lost rather than made off the host's
+        // thread.
+    }
+}
+
+void DeferredReports::Report() {
+    std::vector<Entry> held;
+    held.swap(entries);
+    for (const Entry& entry : held)
+        MyAssertFailedLine(entry.expression.c_str(), entry.file.c_str(), entry.line);
+}
+
 void MyAssertFailedLine(char const* expression, char const* file, int line) {
+    if (collecting) {
+        HoldReport(*collecting, expression, file, line);
+        return;
+    }
     char text[1024];
     std::snprintf(text, sizeof(text),
                   "\n-Orvane(Core) Internal Error-\n\n"

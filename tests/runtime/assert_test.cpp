@@ -4,8 +4,10 @@
 
 #include <csignal>
 #include <string>
+#include <thread>
 
 #include "coreinterface.h"
+#include "runtime/deferredreports.h"
 #include "support/testsupport.h"
 
 namespace {
@@ -29,6 +31,35 @@ TEST(AssertionReport, ShowsASystemModalStopBoxLogsTheSameTextAndReturnsThroughTh
     std::snprintf(path_app, sizeof(path_app), "%s", "/nonexistent/folder/for/orvane");
     MyAssertFailedLine("x", "Core/array", 7);
     EXPECT_EQ(recorder.Count(), 3) << "the hook runs once per report, even without a log";
+}
+
+// A helper thread holds its reports; the calling thread makes them later, in order, on its own
+// thread, while its own reports go out at once.
+TEST(AssertionReport, HeldOnAHelperThreadAndMadeLaterByTheCallingThread) {
+    AssertRecorder recorder;
+    DeferredReports held;
+    std::thread::id hookThread;
+    static std::thread::id* seen;
+    seen = &hookThread;
+    _AbortApp = [] { *seen = std::this_thread::get_id(); };
+    std::thread helper([&held] {
+        const CollectReports collect(held);
+        MyAssertFailedLine("first", "Core/cnode", 1);
+        MyAssertFailedLine("second", "Core/canim", 2);
+    });
+    helper.join();
+    EXPECT_TRUE(recorder.Texts().empty() && !held.Empty());
+    MyAssertFailedLine("own", "Core/cscene", 3);
+    held.Report();
+    ASSERT_EQ(recorder.Texts().size(), 3u);
+    EXPECT_EQ(hookThread, std::this_thread::get_id());
+    std::string order;
+    for (const std::string& text : recorder.Texts())
+        order += text.substr(text.find("Expression: ") + 12, 3);
+    EXPECT_EQ(order, "ownfirsec");
+    EXPECT_NE(recorder.Texts()[2].find("File: Core/canim, Line: 2\n"), std::string::npos);
+    held.Report();
+    EXPECT_EQ(recorder.Texts().size(), 3u) << "made once, then forgotten";
 }
 
 // Without an abort hook the report ends the process: SIGABRT first, exit status 3 if the
