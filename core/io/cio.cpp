@@ -146,6 +146,10 @@ bool CioBlock::Gather(cio_load& in, unsigned int bytes) {
     return bytes <= in.blockUsed;
 }
 
+int CioBlock::SameFile(const cio_load& a, const cio_load& b) {
+    return ::SameFile(a.file, b.file);
+}
+
 int cio_load::Skip(unsigned int bytes) {
     if (!file) return 0;
     const unsigned long step = std::min<unsigned long>(bytes, BytesLeft());

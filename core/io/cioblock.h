@@ -38,6 +38,9 @@ struct CioBlock {
     // then holds `bytes` unread bytes.
     static bool Gather(cio_load& in, unsigned int bytes);
 
+    // 1 when both streams hold the same file of the file system (see SameFile).
+    static int SameFile(const cio_load& a, const cio_load& b);
+
     // The block's capacity in bytes.
     static constexpr unsigned int kSize = 64 * 1024;
 };
