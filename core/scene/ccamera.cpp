@@ -9,6 +9,7 @@
 #include "cmatrix4.h"
 #include "scene/aimtarget.h"
 #include "scene/keyedparams.h"
+#include "scene/recordconstruction.h"
 
 namespace {
 
@@ -29,7 +30,8 @@ ccamera::ccamera() : cnode("Camera1", GetGfxInfo().cameracolor) {
     depthFar = 4096.0f;
     ortho = 0;
     target = nullptr;
-    camAnim.SetKey(ccamkey());
+    // A camera made for its record takes its keys from the record.
+    if (!RecordConstruction::Active()) camAnim.SetKey(ccamkey());
 }
 
 ccamera::ccamera(const ccamera& other) : ccamera() {

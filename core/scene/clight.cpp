@@ -12,6 +12,7 @@
 #include "cmatrix4.h"
 #include "scene/aimtarget.h"
 #include "scene/keyedparams.h"
+#include "scene/recordconstruction.h"
 
 namespace {
 
@@ -48,7 +49,8 @@ clight::clight() : cnode("Light1", GetGfxInfo().lightcolor) {
     shadowMapSize = 256;
     shadowMapBias = 4.0f;
     volume = 0;
-    lightAnim.SetKey(clightkey());
+    // A light made for its record takes its keys from the record.
+    if (!RecordConstruction::Active()) lightAnim.SetKey(clightkey());
 }
 
 clight::clight(const clight& other) : clight() {

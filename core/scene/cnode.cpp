@@ -17,6 +17,7 @@
 #include "runtime/check.h"
 #include "runtime/namefield.h"
 #include "runtime/notestext.h"
+#include "scene/recordconstruction.h"
 
 namespace {
 
@@ -51,11 +52,13 @@ static_assert(NODE_NAME_SIZE == NAME_FIELD_BYTES, "node names use the shared nam
 // The colour of a node constructed without one: random r, g, b, opaque.
 ccolor RandomColor() {
     // The first node of the process seeds the generator, so every run gets other colours.
-    static bool seeded = false;
-    if (!seeded) {
+    // Nodes may be constructed on several threads at once (a project's records are read in
+    // parallel), and the seeding happens once among them all.
+    static const bool seeded = [] {
         seedrandtime();
-        seeded = true;
-    }
+        return true;
+    }();
+    static_cast<void>(seeded);
     ccolor c;
     c.r = rand(0.0f, 1.0f);
     c.g = rand(0.0f, 1.0f);
@@ -101,12 +104,31 @@ bool IsWithin(const cnode* node, const cnode* ancestor) {
 // ---------------------------------------------------------------------------------------------
 // Construction and destruction
 
+namespace {
+
+thread_local bool constructingForRecord = false;
+
+}  // namespace
+
+RecordConstruction::RecordConstruction() : outer(constructingForRecord) {
+    constructingForRecord = true;
+}
+
+RecordConstruction::~RecordConstruction() {
+    constructingForRecord = outer;
+}
+
+bool RecordConstruction::Active() {
+    return constructingForRecord;
+}
+
+// A node made for its record takes its colour from the record: it draws no random numbers.
 cnode::cnode() {
-    Init(nullptr, RandomColor());
+    Init(nullptr, RecordConstruction::Active() ? ccolor() : RandomColor());
 }
 
 cnode::cnode(char const* name_) {
-    Init(name_, RandomColor());
+    Init(name_, RecordConstruction::Active() ? ccolor() : RandomColor());
 }
 
 cnode::cnode(char const* name_, const ccolor& color_) {
@@ -131,7 +153,8 @@ void cnode::Init(char const* name_, const ccolor& color_) {
     notes = nullptr;
     ResetIK();
     seeThrough = 0;
-    anim.SetKey(0, position, rotation, scale);
+    // A node made for its record takes its keys from the record.
+    if (!RecordConstruction::Active()) anim.SetKey(0, position, rotation, scale);
 }
 
 cnode::~cnode() {

@@ -2,10 +2,14 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <utility>
 
+#include "ccamera.h"
+#include "clight.h"
 #include "cmaterial.h"
 #include "scene/aimednodes.h"
+#include "scene/recordconstruction.h"
 
 namespace {
 
@@ -247,6 +251,42 @@ TEST_F(NodeRecord, ReadsEveryOlderLayout) {
         EXPECT_EQ(std::string(node.GetName()) + node.GetNotes(), "Oldabc") << version;
         EXPECT_TRUE(Near3(node.GetPosition(0), cpoint3(4, 5, 6), 0)) << version;
     }
+}
+
+// A node made for its record leaves its tracks to the record, which gives the key at time 0
+// even when it holds none; lights and cameras end with the keys of their records too.
+TEST_F(NodeRecord, NodesMadeForTheirRecordsTakeTheirKeysFromThem) {
+    clight spot;
+    ccamera eye;
+    spot.GetLightAnimPtr()->SetKey(80, ccolor(1, 0, 0, 1), 30.0f, 28.0f, 64.0f, 2.0f);
+    eye.GetCamAnimPtr()->SetKey(ccamkey(40, 35.0f));
+    std::unique_ptr<cnode> plain;
+    std::unique_ptr<clight> light;
+    std::unique_ptr<ccamera> camera;
+    {
+        const RecordConstruction forRecord;
+        plain.reset(new cnode("", ccolor()));
+        light.reset(CreateNewLight());
+        camera.reset(CreateNewCamera());
+    }
+    EXPECT_EQ(Values(plain->GetAnimPtr()->NumKeys(), light->GetAnimPtr()->NumKeys(),
+                     light->GetLightAnimPtr()->NumKeys(), camera->GetCamAnimPtr()->NumKeys()),
+              Values(0, 0, 0, 0));
+    EXPECT_EQ(cnode().GetAnimPtr()->NumKeys(), 1) << "other nodes start with their key at 0";
+    ByteString keyless;
+    keyless.Word(1).Word(0).Name("Bare", 64).Name("", 64).Name("", 64).Word(0).Word(0);
+    keyless.Floats({1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 5, 6, 7, 0, 0, 0, 1, 1, 1, 1}).Word(1).Word(1);
+    keyless.Ints({0, 0, 0}).Floats({10, -90, -90, -90, 90, 90, 90, 0, 0, 0, 1}).Ints({100, 2});
+    keyless.Word(0).Text("").Word(0).Word(0).Word(0);
+    ASSERT_TRUE(LoadsWhole(*plain, keyless.bytes, 16));
+    ckey key;
+    ASSERT_EQ(plain->GetAnimPtr()->GetKeyAt(0, key), 1);
+    EXPECT_EQ(Values(plain->GetAnimPtr()->NumKeys(), key.time, key.position.x), Values(1, 0, 0.0f))
+        << "the key at time 0, at the origin";
+    ASSERT_TRUE(LoadsWhole(*light, SavedRecord(spot), 16));
+    ASSERT_TRUE(LoadsWhole(*camera, SavedRecord(eye), 16));
+    EXPECT_EQ(SavedRecord(*light), SavedRecord(spot));
+    EXPECT_EQ(SavedRecord(*camera), SavedRecord(eye));
 }
 
 // Itanium C++ ABI: a pointer to a virtual member holds 1 + the entry's byte offset in the
