@@ -103,7 +103,9 @@ inline std::string DescribeMainScene(bool identities) {
     static const TempDir folder;
     const std::string path = folder.File("described.orv");
     std::remove(path.c_str());
-    std::string text = std::to_string(SaveProjectFile(path.c_str())) + ReadFileBytes(path);
+    // Saved first, read after: the operands of + may be evaluated in either order.
+    std::string text = std::to_string(SaveProjectFile(path.c_str()));
+    text += ReadFileBytes(path);
     text += " " + std::to_string(MainScene.NumSelected()) + std::to_string(MainScene.NumHidden());
     for (int i = 0; i < MainScene.NumNodes(); ++i) {
         text += " " + std::to_string(MainScene.GetNodeAt(i)->GetFlags());
