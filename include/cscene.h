@@ -302,11 +302,25 @@ private:
     void DropNodeFromCounters(cnode* node);
     // The flag changes and counting of a node that has just joined the array.
     void JoinCounters(cnode* node);
+    // What nodes joining the array add to the counters, gathered node by node by JoinFlags.
+    struct JoinedCounts {
+        int hidden = 0;
+        int selected = 0;
+        cnode* lastSelected = nullptr;
+        // Adds the counts of nodes that join after these.
+        void Add(const JoinedCounts& later);
+    };
+    // The flag changes of a node about to join, counted into `counts`. It touches only the
+    // node, so nodes that nothing else holds yet may be prepared on any thread.
+    static void JoinFlags(cnode* node, JoinedCounts& counts);
+    // Adds `counts` to the counters, as joining those nodes one at a time would.
+    void JoinCounts(const JoinedCounts& counts);
     // Appends `count` nodes that nothing else holds yet (none in the scene, none repeated) as
-    // AddNodeArray with a non-zero flag would, without looking for them first. Returns 0,
-    // adding none, when the array cannot grow. Only the project loader, which has just
-    // created them, knows that of its nodes.
-    int AddNewNodes(cnode** list, int count);
+    // AddNodeArray with a non-zero flag would, without looking for them first; JoinFlags has
+    // prepared each of them, in order, into `counts`. Returns 0, adding none, when the array
+    // cannot grow. Only the project loader, which has just created them, knows that of its
+    // nodes.
+    int AddNewNodes(cnode** list, int count, const JoinedCounts& counts);
     friend struct LoadedNodesHandOver;
     void SendToNodes(unsigned long msg, void* a, void* b);
 

@@ -37,6 +37,13 @@ CORE_API int SaveProjectFile(char const* path);
 // returned 1.
 CORE_API int LoadProjectFile(char const* path);
 
+// Sets how many threads LoadProjectFile reads node records with, and returns the previous
+// setting: 1 reads them on the calling thread alone; 0, the default, uses as many threads as
+// the machine runs at once; at most 8 are used. Only files with record marks (every file
+// SaveProjectFile writes) are read in parallel, and the result is the same either way: the
+// calling thread links the nodes in file order and makes every failed check's report.
+CORE_API int SetProjectLoadThreads(int count);
+
 // What a project file's header says, read without loading anything.
 struct ProjectInfo {
     unsigned long version;  // 1 to 16

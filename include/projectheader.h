@@ -16,12 +16,18 @@
 //   52      animation end, ticks (signed)
 //   56      current animation time, ticks (signed)
 //   60      ticks per frame (signed)
-//   64..71  reserved: written as zero, ignored when read
+//   64, 68  offset and size in bytes of the node record marks; both 0 when the file has none
 //
 // A name table is a 32-bit count (equal to the header's count) followed by that many 64-byte,
 // zero-padded name fields in the scene's order: the i-th name is the name of the i-th node
 // (material) of the scene the file was written from, so records can refer to one another by
-// index. NodeList and MtlList read the tables; the records and the project file as a whole
+// index.
+//
+// The node record marks are a 32-bit stride S (at least 1) followed by the file offset of
+// every S-th node record: records S, 2S, 3S ... below the node count, in order. They let a
+// reader split the node records into runs that it reads in parallel.
+//
+// NodeList and MtlList read the tables; the records and the project file as a whole
 // are read and written by LoadProjectFile and SaveProjectFile (projectfile.h).
 #ifndef ORVANE_PROJECTHEADER_H
 #define ORVANE_PROJECTHEADER_H
@@ -45,6 +51,8 @@ constexpr unsigned int PROJECT_ANIM_START_AT = 48;
 constexpr unsigned int PROJECT_ANIM_END_AT = 52;
 constexpr unsigned int PROJECT_ANIM_TIME_AT = 56;
 constexpr unsigned int PROJECT_ANIM_TPF_AT = 60;
+constexpr unsigned int PROJECT_NODE_MARKS_OFFSET_AT = 64;
+constexpr unsigned int PROJECT_NODE_MARKS_SIZE_AT = 68;
 
 // Bytes per name in a name table.
 constexpr unsigned int PROJECT_TABLE_NAME_SIZE = 64;

@@ -28,12 +28,13 @@ public:
 
     // Adds `name` as entry Count(). Returns the first entry bearing the name, which is the new
     // entry when no earlier one bears it.
-    int Add(std::string_view name) {
+    int Add(std::string_view name) { return Add(name, Hash(name)); }
+    // The same with the name's Hash, for a caller that has it already.
+    int Add(std::string_view name, std::uint64_t hash) {
         const int entry = Count();
         text.insert(text.end(), name.begin(), name.end());
         starts.push_back(text.size());
         if (2 * (used + 1) > slots.size()) Grow();
-        const std::uint64_t hash = Hash(name);
         std::uint64_t& slot = SlotFor(name, hash);
         if (slot != 0) return Entry(slot);
         slot = Tag(hash) | (static_cast<std::uint64_t>(entry) + 1);

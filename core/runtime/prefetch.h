@@ -2,6 +2,8 @@
 #ifndef ORVANE_CORE_RUNTIME_PREFETCH_H
 #define ORVANE_CORE_RUNTIME_PREFETCH_H
 
+#include <cstdint>
+
 // How many places ahead a pass over every node of a large scene asks for the memory an item
 // will need: far enough to hide a trip to memory, near enough to find it still in the cache.
 constexpr int kPrefetchAhead = 8;
@@ -13,6 +15,10 @@ inline void Prefetch(const void* p) {
     __builtin_prefetch(p);
 #else
     static_cast<void>(p);
+    // The bytes at the start of a node that a pass over its flags reads: the pointer to its
+    // virtual operations, its type words, its name and the flags that follow.
+    constexpr unsigned long kNodeHeadBytes = 96;
+
 #endif
 }
 
@@ -21,14 +27,24 @@ inline void PrefetchForWrite(const void* p) {
     __builtin_prefetch(p, 1);
 #else
     static_cast<void>(p);
+    // The bytes at the start of a node that a pass over its flags reads: the pointer to its
+    // virtual operations, its type words, its name and the flags that follow.
+    constexpr unsigned long kNodeHeadBytes = 96;
+
 #endif
 }
 
 // Starts bringing in the `bytes` bytes at `p`, a cache line at a time: a whole object that
 // is about to be read field by field.
 inline void PrefetchBytes(const void* p, unsigned long bytes) {
-    constexpr unsigned long kLine = 64;
-    for (unsigned long at = 0; at < bytes; at += kLine) Prefetch(static_cast<const char*>(p) + at);
+    constexpr std::uintptr_t kLine = 64;
+    const auto start = reinterpret_cast<std::uintptr_t>(p);
+    for (std::uintptr_t line = start & ~(kLine - 1); line < start + bytes; line += kLine)
+        Prefetch(reinterpret_cast<const void*>(line));
 }
+
+// The bytes at the start of a node that a pass over its flags reads: the pointer to its
+// virtual operations, its type words, its name and the flags that follow.
+constexpr unsigned long kNodeHeadBytes = 96;
 
 #endif

@@ -67,11 +67,11 @@ std::vector<T*> EntriesToAdd(T* const* items, int count, T* const* list, int lis
 }
 
 // Appends the `n` entries of `added` with one allocation, the same array as appending them
-// one at a time, without copying the old entries once per entry, and calls `joined` on each
-// in order. Returns 0, changing nothing and reporting nothing, when the array cannot be
-// allocated; the caller then goes one at a time, which reports as each single append does.
-template <class T, class Joined>
-int AppendAll(T**& items, int& count, T* const* added, size_t n, Joined joined) {
+// one at a time, without copying the old entries once per entry. Returns 0, changing nothing
+// and reporting nothing, when the array cannot be allocated; the caller then goes one at a
+// time, which reports as each single append does.
+template <class T>
+int AppendAll(T**& items, int& count, T* const* added, size_t n) {
     if (n == 0) return 1;
     const unsigned long total = static_cast<unsigned long>(count) + n;
     auto** grown = static_cast<T**>(array_new(sizeof(T*) * total));
@@ -81,12 +81,17 @@ int AppendAll(T**& items, int& count, T* const* added, size_t n, Joined joined) 
     array_delete(items);
     items = grown;
     count = static_cast<int>(total);
-    // `joined` reads each item, which is asked for a few items ahead.
+    return 1;
+}
+
+// Calls `joined` on each of the `n` entries of `added` in order. It reads each item, which is
+// asked for a few items ahead.
+template <class T, class Joined>
+void JoinEach(T* const* added, size_t n, Joined joined) {
     for (size_t i = 0; i < n; ++i) {
-        if (i + kPrefetchAhead < n) Prefetch(added[i + kPrefetchAhead]);
+        if (i + kPrefetchAhead < n) PrefetchBytes(added[i + kPrefetchAhead], kNodeHeadBytes);
         joined(added[i]);
     }
-    return 1;
 }
 
 // Adds the entries of `list` to the array at once, as adding them one at a time would, and
@@ -96,7 +101,9 @@ template <class T, class Joined>
 int AddAllAtOnce(T**& items, int& count, T* const* list, int listCount, Joined joined) {
     try {
         const std::vector<T*> added = EntriesToAdd(items, count, list, listCount);
-        return AppendAll(items, count, added.data(), added.size(), joined);
+        if (!AppendAll(items, count, added.data(), added.size())) return 0;
+        JoinEach(added.data(), added.size(), joined);
+        return 1;
     } catch (const std::bad_alloc&) {
         return 0;
     }
@@ -264,10 +271,11 @@ void cscene::AddNodeArray(cnode** list, int count, int flag) {
     }
 }
 
-int cscene::AddNewNodes(cnode** list, int count) {
+int cscene::AddNewNodes(cnode** list, int count, const JoinedCounts& counts) {
     if (!list || count <= 0) return count == 0;
-    return AppendAll(nodes, nnodes, list, static_cast<size_t>(count),
-                     [this](cnode* node) { JoinCounters(node); });
+    if (!AppendAll(nodes, nnodes, list, static_cast<size_t>(count))) return 0;
+    JoinCounts(counts);
+    return 1;
 }
 
 void cscene::AddToScene(cnode* node, int flag) {
@@ -276,16 +284,36 @@ void cscene::AddToScene(cnode* node, int flag) {
 }
 
 void cscene::JoinCounters(cnode* node) {
+    JoinedCounts counts;
+    JoinFlags(node, counts);
+    JoinCounts(counts);
+}
+
+void cscene::JoinFlags(cnode* node, JoinedCounts& counts) {
     // A node coming back from the undo history sheds its deleted mark; a node loaded hidden
     // stays hidden and, hidden, cannot be selected.
     unsigned long fl = node->GetFlags() & ~FLAG_DELETED;
     if (fl & FLAG_HIDDEN) fl &= ~FLAG_SELECTED;
     if (fl != node->GetFlags()) node->SetFlags(fl);
-    if (fl & FLAG_HIDDEN) ++nhidden;
+    if (fl & FLAG_HIDDEN) ++counts.hidden;
     if (fl & FLAG_SELECTED) {
-        ++nselected;
-        UpdateSelNodeCache(node);
+        ++counts.selected;
+        counts.lastSelected = node;
     }
+}
+
+void cscene::JoinedCounts::Add(const JoinedCounts& later) {
+    hidden += later.hidden;
+    selected += later.selected;
+    if (later.lastSelected) lastSelected = later.lastSelected;
+}
+
+void cscene::JoinCounts(const JoinedCounts& counts) {
+    nhidden += counts.hidden;
+    if (counts.selected == 0) return;
+    // Joined one at a time, the last selected node is cached when the count ends at one.
+    nselected += counts.selected;
+    UpdateSelNodeCache(counts.lastSelected);
 }
 
 int cscene::RemoveNode(cnode* node) {
@@ -621,7 +649,7 @@ int cscene::CalcSelPos(cpoint3& point) {
     int contributions = 0;
     int ns = 0;
     for (int i = 0; i < nnodes; ++i) {
-        if (i + kPrefetchAhead < nnodes) Prefetch(nodes[i + kPrefetchAhead]);
+        if (i + kPrefetchAhead < nnodes) PrefetchBytes(nodes[i + kPrefetchAhead], kNodeHeadBytes);
         cnode* node = nodes[i];
         if (!(node->GetFlags() & FLAG_SELECTED)) continue;
         ++ns;

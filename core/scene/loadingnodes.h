@@ -21,23 +21,24 @@ public:
 
     std::vector<cnode*> nodes;  // in load order
 
-    // Appends a node whose record has been read completely.
-    void Add(cnode* node) {
+    // Appends a node whose record has been read completely. `name` is its name, `hash`
+    // NameIndex::Hash of that name.
+    void Add(cnode* node, std::string_view name, std::uint64_t hash) {
         const int entry = static_cast<int>(nodes.size());
         nodes.push_back(node);
-        const int first = names.Add(node->GetName());
+        const int first = names.Add(name, hash);
         if (first != entry) AddNamesake(first, entry);
     }
 
-    // Prepares for a node named `name` to be added or looked for soon (see
-    // NameIndex::Prefetch).
-    void Expect(std::string_view name) const { names.Prefetch(NameIndex::Hash(name)); }
+    // Prepares for a name of `hash` to be added or looked for soon (see NameIndex::Prefetch).
+    void Expect(std::uint64_t hash) const { names.Prefetch(hash); }
 
     // The first loaded node bearing `name`, as MainScene.FindNode finds the first; or null.
-    cnode* Find(std::string_view name) const {
-        const int entry = names.Find(name);
+    cnode* Find(std::string_view name, std::uint64_t hash) const {
+        const int entry = names.Find(name, hash);
         return entry < 0 ? nullptr : nodes[static_cast<size_t>(entry)];
     }
+    cnode* Find(std::string_view name) const { return Find(name, NameIndex::Hash(name)); }
 
     // The load positions of the nodes in the order of `tableName(0)` ... `tableName(count -
     // 1)`: each name claims the earliest loaded node of that name not yet claimed. Answers
@@ -110,12 +111,15 @@ private:
     }
 };
 
-// While `loading` is set (non-null), NodeList::FindNode and NodeList::Find answer as MainScene
-// would if it held exactly the loaded nodes, in load order.
-void SetLoadingNodes(const LoadingNodes* loading);
+// While `loading` is set (non-null) on the calling thread, NodeList::FindNode and NodeList::Find
+// answer there as MainScene would if it held exactly the loaded nodes, in load order, and
+// DeferLink collects into it. Each thread sets its own. Returns the thread's previous setting.
+const LoadingNodes* SetLoadingNodes(const LoadingNodes* loading);
 
 // While `names` is set (non-null), MtlList finds materials by name through it, where entry i
 // names MainScene's material i: a loading project's node records look up one material each.
+// Unlike the loading nodes it holds for every thread, so that threads reading node records in
+// parallel find materials too; it and MainScene's materials must not change meanwhile.
 void SetLoadingMaterials(const NameIndex* names);
 
 // While a project file loads, arranges for `link` (which sets a member of `self`) to receive

@@ -16,8 +16,10 @@ NameTable& Table() {
     return table;
 }
 
+// Each thread has its own: the threads that read a project's records in parallel answer from
+// their own, while the calling thread links the nodes through the loader's.
 const LoadingNodes*& Loading() {
-    static const LoadingNodes* loading = nullptr;
+    thread_local const LoadingNodes* loading = nullptr;
     return loading;
 }
 
@@ -29,8 +31,10 @@ char* AllocateNodeNames(unsigned long bytes) {
 
 }  // namespace
 
-void SetLoadingNodes(const LoadingNodes* loading) {
+const LoadingNodes* SetLoadingNodes(const LoadingNodes* loading) {
+    const LoadingNodes* previous = Loading();
     Loading() = loading;
+    return previous;
 }
 
 int DeferLink(const cnode* self, char const* name, std::function<void(cnode*)> link) {

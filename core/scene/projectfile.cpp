@@ -4,14 +4,20 @@
 // MainScene; the byte layout is in docs/file-format.md.
 #include "projectfile.h"
 
+#include <algorithm>
+#include <atomic>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "animclock.h"
@@ -31,14 +37,21 @@
 #include "io/fieldcodec.h"
 #include "mtllist.h"
 #include "nodelist.h"
+#include "runtime/deferredreports.h"
 #include "runtime/flatmap.h"
+#include "runtime/nameindex.h"
 #include "runtime/prefetch.h"
 #include "scene/loadingnodes.h"
+#include "scene/recordconstruction.h"
 
 // Lets the loader hand the nodes it has just created to MainScene without the scene looking
 // for each of them among its own first.
 struct LoadedNodesHandOver {
-    static void Add(cnode** nodes, int count) { MainScene.AddNewNodes(nodes, count); }
+    using Counts = cscene::JoinedCounts;
+    static void Prepare(cnode* node, Counts& counts) { cscene::JoinFlags(node, counts); }
+    static void Add(cnode** nodes, int count, const Counts& counts) {
+        MainScene.AddNewNodes(nodes, count, counts);
+    }
 };
 
 namespace {
@@ -59,6 +72,7 @@ struct Header {
     std::uint32_t materialTable = 0, numMaterials = 0;
     Section settings, materials, nodes;
     std::uint32_t animStart = 0, animEnd = 0, animTime = 0, animTPF = 0;
+    Section marks;  // the node record marks; empty when the file has none
 };
 
 // Every header word with its offset: the one list that reading and writing share.
@@ -79,6 +93,8 @@ void ForEachHeaderWord(Header& h, Visit visit) {
     visit(PROJECT_ANIM_END_AT, h.animEnd);
     visit(PROJECT_ANIM_TIME_AT, h.animTime);
     visit(PROJECT_ANIM_TPF_AT, h.animTPF);
+    visit(PROJECT_NODE_MARKS_OFFSET_AT, h.marks.offset);
+    visit(PROJECT_NODE_MARKS_SIZE_AT, h.marks.size);
 }
 
 int Signed(std::uint32_t word) {
@@ -98,7 +114,7 @@ int TableInside(std::uint32_t offset, std::uint32_t count, long long fileSize) {
 }
 
 // Reads and checks the header: the magic, a version from 1 to 16, and every table and section
-// inside the file.
+// inside the file (the marks may be absent).
 int ReadHeader(cio_load& in, Header& header) {
     unsigned char bytes[PROJECT_HEADER_SIZE];
     if (in.SetPosition(0, 0) != 0 || !in.Read(bytes, sizeof bytes)) return 0;
@@ -112,7 +128,9 @@ int ReadHeader(cio_load& in, Header& header) {
            TableInside(header.nodeTable, header.numNodes, size) &&
            TableInside(header.materialTable, header.numMaterials, size) &&
            SectionInside(header.settings, size) && SectionInside(header.materials, size) &&
-           SectionInside(header.nodes, size);
+           SectionInside(header.nodes, size) &&
+           ((header.marks.offset == 0 && header.marks.size == 0) ||
+            SectionInside(header.marks, size));
 }
 
 int WriteHeader(cio_save& out, Header header) {
@@ -253,8 +271,9 @@ cmaterial* ReadMaterialRecord(cio_load& in, unsigned long version, std::uint32_t
 // ---- Node records ----
 
 // Creates the node that a record of `type` and `subType` loads into, or null for a type the
-// library cannot create. Each node kind adds its case here.
+// library cannot create. Each node kind adds its case here. The record gives the node its keys.
 cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t subType) {
+    const RecordConstruction forRecord;
     switch (type) {
         case TYPE_NODE:
             // A plain node has no variants: its record carries the sub-type as it is.
@@ -284,6 +303,10 @@ cnode* CreateNodeForRecord(std::uint32_t type, [[maybe_unused]] std::uint32_t su
 bool PosedAfterLoading(std::uint32_t type) {
     return type == TYPE_LIGHT || type == TYPE_CAMERA || type == TYPE_SKIN;
 }
+
+// Every this many node records, the writer marks where the next one starts, so that a reader
+// can split the records into runs that it reads in parallel.
+constexpr std::uint32_t kMarkStride = 1024;
 
 // A node record's framing words (type and sub-type), and from the start of the record they
 // frame its own copy of them, the node's name and its parent's name.
@@ -356,16 +379,32 @@ private:
 // The loaded nodes, which NodeList consults instead of MainScene until they are handed over.
 class PendingNodes {
 public:
-    // `expected` only sizes the tables.
-    explicit PendingNodes(size_t expected) : loading(expected) { SetLoadingNodes(&loading); }
+    // Makes room for `expected` nodes (the file's node count).
+    explicit PendingNodes(size_t expected) : loading(expected) {
+        poseAgain.reserve(expected);
+        SetLoadingNodes(&loading);
+    }
     ~PendingNodes() { SetLoadingNodes(nullptr); }
     PendingNodes(const PendingNodes&) = delete;
     PendingNodes& operator=(const PendingNodes&) = delete;
 
-    void Expect(std::string_view name) const { loading.Expect(name); }
-    void Add(cnode* node, bool posedAgain) {
-        loading.Add(node);
+    void Expect(std::uint64_t hash) const { loading.Expect(hash); }
+    cnode* Find(std::string_view name, std::uint64_t hash) const {
+        return loading.Find(name, hash);
+    }
+    // Takes `node`, which bears `name` of `hash`. Within the expected count this cannot fail before
+    // the node is held, so the caller hands its ownership over first.
+    void Add(cnode* node, std::string_view name, std::uint64_t hash, bool posedAgain) {
         poseAgain.push_back(posedAgain);
+        loading.Add(node, name, hash);
+    }
+    // Takes over the links that the records read into `from` have deferred, after those
+    // already held.
+    void TakeLinks(LoadingNodes& from) {
+        auto& links = loading.pendingLinks;
+        links.insert(links.end(), std::make_move_iterator(from.pendingLinks.begin()),
+                     std::make_move_iterator(from.pendingLinks.end()));
+        from.pendingLinks.clear();
     }
     void ResolvePendingLinks() { loading.ResolvePendingLinks(); }
     // Whether the node at load position `i` poses itself again once every node is loaded.
@@ -378,12 +417,13 @@ public:
             NodeList::NumNodes(),
             [version](int k) { return RecordName(NodeList::GetNameAt(k), version); }, order);
     }
-    // Hands every node to the empty MainScene, in load order.
-    int HandOver() {
+    // Hands every node to the empty MainScene, in load order; LoadedNodesHandOver::Prepare
+    // has prepared each of them, in order, into `counts`.
+    int HandOver(const LoadedNodesHandOver::Counts& counts) {
         SetLoadingNodes(nullptr);
         return owner.HandOver(
-            LoadedNodesHandOver::Add, [] { return MainScene.NumNodes(); },
-            [](int i) { return MainScene.GetNodeAt(i); });
+            [&counts](cnode** nodes, int count) { LoadedNodesHandOver::Add(nodes, count, counts); },
+            [] { return MainScene.NumNodes(); }, [](int i) { return MainScene.GetNodeAt(i); });
     }
 
 private:
@@ -451,34 +491,6 @@ int LoadMaterials(Loading& loading) {
                [](int i) { return MainScene.GetMaterialAt(i); });
 }
 
-// One node record: the type and sub-type words, then the node's own record, which repeats
-// them. The node joins the loaded nodes at once, so that the records after it find it as a
-// parent through NodeList.
-int LoadNodeRecord(Loading& loading) {
-    cio_load& in = loading.in;
-    RecordFrame frame;
-    if (!ReadRecordFrame(in, loading.header.version, frame) || frame.recordType != frame.type ||
-        frame.recordSubType != frame.subType)
-        return 0;
-    // The node joins the loaded nodes once its record is read, and its parent is looked up
-    // after the node is made: both waits for memory hide behind that work.
-    loading.nodes.Expect(frame.name);
-    if (frame.parent[0]) loading.nodes.Expect(frame.parent);
-    cnode* node = CreateNodeForRecord(frame.type, frame.subType);
-    if (!node) return 0;
-    // Parents are written first: a parent that the table names but no earlier record gave is
-    // a later record, which only a damaged file or a parent cycle produces. A parent the
-    // table does not name is left unresolved, and the node stays a root.
-    const bool parentLater =
-        frame.parent[0] && !NodeList::FindNode(frame.parent) && loading.TableHolds(frame.parent);
-    if (parentLater || !node->Load(in, loading.header.version)) {
-        node->Delete();
-        return 0;
-    }
-    loading.nodes.Add(node, PosedAfterLoading(frame.type));
-    return in.GetPosition() <= loading.header.nodes.End();
-}
-
 // The names of MainScene's materials (the loaded ones), which MtlList consults while the node
 // records load so that each record's material is found without a scan.
 class MaterialIndex {
@@ -496,22 +508,297 @@ private:
     NameIndex names;
 };
 
-int LoadNodes(Loading& loading) {
-    const Section& section = loading.header.nodes;
-    if (loading.in.SetPosition(section.offset, 0) != 0) return 0;
+// ---- Reading node records, in parallel where the file allows ----
+//
+// The records are split into runs at the file's record marks, and each run is read into its
+// nodes on a thread of its own: the calling thread reads the first. Reading a record looks up
+// no other node: the run's own LoadingNodes answers no name and collects the links a record
+// makes to other nodes. Once every run is read, the calling thread links each node to its
+// parent and adds it to the loaded nodes, in file order, exactly as reading the records one
+// after the other would have found the parents.
+
+// One node record read into its node, which is not yet linked to any other node. Its name and
+// its parent's are copied into the run's text, which the linking reads from one end to the
+// other instead of visiting every node.
+struct ReadNode {
+    cnode* node;
+    std::uint64_t nameHash;    // NameIndex::Hash of the node's name
+    std::uint64_t parentHash;  // and of its parent's name, when the record names one
+    std::uint32_t nameAt;      // where the node's name starts in the run's text
+    std::uint32_t parentAt;    // where the parent's name starts in the run's text, or kNoParent
+    bool posedAgain;
+};
+constexpr std::uint32_t kNoParent = UINT32_MAX;
+
+// A run of `count` consecutive node records from record `first`, which starts at byte
+// `offset`, to the byte `end`.
+struct RecordRun {
+    std::uint32_t first = 0, count = 0;
+    long long offset = 0, end = 0;
+};
+
+// The node record marks: record k * stride starts at byte offsets[k - 1], for k from 1. A
+// stride of 0: the file has no marks.
+struct RecordMarks {
+    std::uint32_t stride = 0;
+    std::vector<std::uint32_t> offsets;
+
+    // Whether record `record`, which starts at byte `at`, starts where the marks say. Every
+    // mark is checked whichever run reads its record, so that a file loads or fails alike
+    // however many threads read it.
+    bool Agree(std::uint32_t record, long long at) const {
+        if (stride == 0 || record == 0 || record % stride != 0) return true;
+        return offsets[record / stride - 1] == at;
+    }
+};
+
+// The nodes read from one run. Owns those it has not handed on to the loaded nodes.
+struct ReadRun {
+    ReadRun(const RecordRun& run, const RecordMarks& marks) : run(run), marks(marks) {}
+    ~ReadRun() {
+        for (size_t i = nodes.size(); i-- > handedOn;) nodes[i].node->Delete();
+    }
+    ReadRun(const ReadRun&) = delete;
+    ReadRun& operator=(const ReadRun&) = delete;
+
+    std::string_view Name(const ReadNode& read) const { return &text[read.nameAt]; }
+    std::string_view ParentName(const ReadNode& read) const { return &text[read.parentAt]; }
+
+    // Copies `name` into the text and answers where it starts.
+    std::uint32_t AddText(std::string_view name) {
+        const auto at = static_cast<std::uint32_t>(text.size());
+        text.insert(text.end(), name.begin(), name.end());
+        text.push_back('\0');
+        return at;
+    }
+
+    const RecordRun run;
+    const RecordMarks& marks;
+    std::vector<ReadNode> nodes;
+    std::vector<char> text;              // names, zero-terminated, one after the other
+    LoadingNodes links;                  // finds no node; collects the records' links
+    DeferredReports reports;             // the failed checks of a run read on a helper thread
+    LoadedNodesHandOver::Counts joined;  // the nodes prepared to join MainScene
+    size_t handedOn = 0;
+    bool ok = false;
+    // Whether each record bears the name at its own position in the node table, as every file
+    // written from a scene kept in hierarchy order does. The nodes then keep the file's order.
+    bool inTableOrder = true;
+};
+
+// Reads the records of `read.run` from `in`. Answers 1 when every record is sound and the last
+// ends where the run ends. Stops early once `failed` is set, and sets it on failure.
+int ReadRecords(cio_load& in, unsigned long version, ReadRun& read, std::atomic<bool>& failed) {
+    const LoadingNodes* outer = SetLoadingNodes(&read.links);
+    struct Restore {
+        const LoadingNodes* outer;
+        ~Restore() { SetLoadingNodes(outer); }
+    } restore{outer};
+    const RecordRun& run = read.run;
+    int ok = in.SetPosition(static_cast<long>(run.offset), 0) == 0;
+    if (ok) {
+        read.nodes.reserve(run.count);
+        // Room for short names, which most are; longer ones grow the text.
+        read.text.reserve(static_cast<size_t>(run.count) * 16);
+    }
+    for (std::uint32_t i = 0; ok && i < run.count && !failed.load(std::memory_order_relaxed); ++i) {
+        RecordFrame frame;
+        cnode* node = nullptr;
+        ok = read.marks.Agree(run.first + i, in.GetPosition()) &&
+             ReadRecordFrame(in, version, frame) && frame.recordType == frame.type &&
+             frame.recordSubType == frame.subType &&
+             (node = CreateNodeForRecord(frame.type, frame.subType)) != nullptr;
+        if (!ok) break;
+        if (!node->Load(in, version)) {
+            node->Delete();
+            ok = 0;
+            break;
+        }
+        LoadedNodesHandOver::Prepare(node, read.joined);
+        // The room reserved above takes the node without fail; the text may throw after.
+        read.nodes.push_back({node, 0, 0, 0, kNoParent, PosedAfterLoading(frame.type)});
+        ReadNode& added = read.nodes.back();
+        const std::string_view name(node->GetName());
+        added.nameHash = NameIndex::Hash(name);
+        added.nameAt = read.AddText(name);
+        read.inTableOrder =
+            read.inTableOrder &&
+            RecordName(NodeList::GetNameAt(static_cast<int>(run.first + i)), version) == name;
+        if (frame.parent[0]) {
+            const std::string_view parent(frame.parent);
+            added.parentHash = NameIndex::Hash(parent);
+            added.parentAt = read.AddText(parent);
+        }
+        ok = in.GetPosition() <= run.end;
+    }
+    ok = ok && read.nodes.size() == run.count && in.GetPosition() == run.end;
+    if (!ok) failed = true;
+    return ok;
+}
+
+// Reads a run on a helper thread, through a stream of its own on the file `path`, which must
+// still be the file `opened` holds.
+void ReadRecordsOnHelper(char const* path, const cio_load& opened, unsigned long version,
+                         ReadRun& read, std::atomic<bool>& failed) {
+    const CollectReports collect(read.reports);
+    try {
+        cio_load in;
+        read.ok = in.Open(path) == 0 && CioBlock::SameFile(in, opened) &&
+                  ReadRecords(in, version, read, failed);
+    } catch (...) {
+        read.ok = false;
+    }
+    if (!read.ok) failed = true;
+}
+
+// The helper threads of a load, joined before anything they work on goes away.
+class Helpers {
+public:
+    Helpers() = default;
+    ~Helpers() { Join(); }
+    Helpers(const Helpers&) = delete;
+    Helpers& operator=(const Helpers&) = delete;
+
+    template <class Work>
+    void Start(Work work) {
+        threads.emplace_back(std::move(work));
+    }
+    void Join() {
+        for (std::thread& thread : threads)
+            if (thread.joinable()) thread.join();
+        threads.clear();
+    }
+
+private:
+    std::vector<std::thread> threads;
+};
+
+// Reads the node record marks. Answers 0 for marks that do not fit the records: a stride of
+// 0, a count other than the node count calls for, or offsets that do not rise strictly inside
+// the node records.
+int ReadMarks(cio_load& in, const Header& header, RecordMarks& marks) {
+    marks = RecordMarks();
+    if (header.marks.size == 0) return header.marks.offset == 0;
+    std::uint32_t stride = 0;
+    if (header.marks.size % 4 != 0 || in.SetPosition(header.marks.offset, 0) != 0 ||
+        !ReadUInt32(in, stride) || stride == 0)
+        return 0;
+    const std::uint32_t count = header.marks.size / 4 - 1;
+    if (count != (header.numNodes == 0 ? 0 : (header.numNodes - 1) / stride)) return 0;
+    marks.stride = stride;
+    marks.offsets.resize(count);
+    std::uint32_t previous = header.nodes.offset;
+    for (std::uint32_t& at : marks.offsets) {
+        if (!ReadUInt32(in, at) || at <= previous || at >= header.nodes.End()) return 0;
+        previous = at;
+    }
+    return 1;
+}
+
+// How many threads may read node records (SetProjectLoadThreads); 0 for as many as the machine
+// runs at once.
+std::atomic<int> loadThreads{0};
+constexpr int kMaxLoadThreads = 8;
+
+int LoadThreads() {
+    int threads = loadThreads.load();
+    if (threads == 0) threads = static_cast<int>(std::thread::hardware_concurrency());
+    return std::clamp(threads, 1, kMaxLoadThreads);
+}
+
+// Splits the node records into at most LoadThreads() runs of about equal counts, at marks.
+std::vector<RecordRun> SplitRecords(const Header& header, const RecordMarks& marks) {
+    const auto count = static_cast<std::uint64_t>(marks.offsets.size()) + 1;
+    const auto wanted = std::min<std::uint64_t>(static_cast<std::uint64_t>(LoadThreads()), count);
+    std::vector<RecordRun> runs;
+    std::uint32_t first = 0;
+    long long offset = header.nodes.offset;
+    for (std::uint64_t t = 1; t <= wanted; ++t) {
+        // Mark m (from 1) starts record m * stride; the last run ends with the records.
+        const std::uint64_t m = t == wanted ? count : (t * count + wanted / 2) / wanted;
+        const std::uint64_t last = t == wanted ? header.numNodes : m * marks.stride;
+        if (last <= first) continue;
+        const long long end = t == wanted ? header.nodes.End() : marks.offsets[m - 1];
+        runs.push_back({first, static_cast<std::uint32_t>(last - first), offset, end});
+        first = static_cast<std::uint32_t>(last);
+        offset = end;
+    }
+    if (runs.empty()) runs.push_back({0, 0, header.nodes.offset, header.nodes.End()});
+    return runs;
+}
+
+// Links the run's nodes to their parents and adds them to the loaded nodes, in file order.
+// Parents are written first: a parent that the table names but no earlier record gave is a
+// later record, which only a damaged file or a parent cycle produces. A parent the table does
+// not name is left unresolved, and the node stays a root.
+int LinkRun(Loading& loading, ReadRun& read) {
+    PendingNodes& loaded = loading.nodes;
+    const size_t count = read.nodes.size();
+    for (size_t i = 0; i < count; ++i) {
+        // Both waits for memory of a node's index slots are started a few nodes ahead.
+        if (i + kPrefetchAhead < count) {
+            const ReadNode& ahead = read.nodes[i + kPrefetchAhead];
+            loaded.Expect(ahead.nameHash);
+            if (ahead.parentAt != kNoParent) loaded.Expect(ahead.parentHash);
+        }
+        const ReadNode& node = read.nodes[i];
+        if (node.parentAt != kNoParent) {
+            const std::string_view name = read.ParentName(node);
+            cnode* parent = loaded.Find(name, node.parentHash);
+            if (!parent && loading.TableHolds(name)) return 0;
+            // The node has no children yet, so its parent cannot lie in its own subtree.
+            if (parent) {
+                node.node->SetParent(parent, 0);
+                parent->Attach(node.node, 0);
+            }
+        }
+        ++read.handedOn;
+        loaded.Add(node.node, read.Name(node), node.nameHash, node.posedAgain);
+    }
+    loaded.TakeLinks(read.links);
+    return 1;
+}
+
+int LoadNodes(Loading& loading, char const* path) {
+    RecordMarks marks;
+    if (!ReadMarks(loading.in, loading.header, marks)) return 0;
     const MaterialIndex materials;
-    for (std::uint32_t i = 0; i < loading.header.numNodes; ++i)
-        if (!LoadNodeRecord(loading)) return 0;
-    if (loading.in.GetPosition() != section.End()) return 0;
-    // Targets saved after the lights and cameras that aim at them.
+    std::vector<std::unique_ptr<ReadRun>> runs;
+    for (const RecordRun& run : SplitRecords(loading.header, marks))
+        runs.push_back(std::make_unique<ReadRun>(run, marks));
+    std::atomic<bool> failed{false};
+    {
+        Helpers helpers;
+        const unsigned long version = loading.header.version;
+        for (size_t r = 1; r < runs.size(); ++r) {
+            ReadRun& read = *runs[r];
+            helpers.Start([path, &loading, version, &read, &failed] {
+                ReadRecordsOnHelper(path, loading.in, version, read, failed);
+            });
+        }
+        // The first run is linked while the helpers still read theirs.
+        runs[0]->ok =
+            ReadRecords(loading.in, version, *runs[0], failed) && LinkRun(loading, *runs[0]);
+        if (!runs[0]->ok) failed = true;
+    }
+    // Reports are made in file order, as reading one record after the other would make them.
+    for (auto& read : runs) read->reports.Report();
+    for (size_t r = 0; r < runs.size(); ++r)
+        if (!runs[r]->ok || (r > 0 && !LinkRun(loading, *runs[r]))) return 0;
+    // Targets and bones saved after the nodes that name them.
     loading.nodes.ResolvePendingLinks();
+    const bool inTableOrder =
+        std::all_of(runs.begin(), runs.end(), [](const auto& read) { return read->inTableOrder; });
     cbitarray order;
-    if (!loading.nodes.TableOrder(loading.header.version, order) || !loading.nodes.HandOver() ||
-        !MainScene.SetNodeOrder(order))
+    if (!inTableOrder && !loading.nodes.TableOrder(loading.header.version, order)) return 0;
+    LoadedNodesHandOver::Counts joined;
+    for (const auto& read : runs) joined.Add(read->joined);
+    if (!loading.nodes.HandOver(joined) || (!inTableOrder && !MainScene.SetNodeOrder(order)))
         return 0;
     // In scene order, as a change of the clock's time poses them.
     for (int k = 0; k < MainScene.NumNodes(); ++k)
-        if (loading.nodes.PosedAgain(order[k])) MainScene.GetNodeAt(k)->UpdateTimeIdle();
+        if (loading.nodes.PosedAgain(inTableOrder ? k : order[k]))
+            MainScene.GetNodeAt(k)->UpdateTimeIdle();
     return 1;
 }
 
@@ -591,10 +878,12 @@ int LoadProject(char const* path) {
     // After the transaction, so that nodes never handed over die while the materials they may
     // refer to still live.
     Loading loading(in, header);
-    if (!LoadMaterials(loading) || !LoadNodes(loading)) return 0;
+    if (!LoadMaterials(loading) || !LoadNodes(loading, path)) return 0;
     transaction.Commit();
     ApplySettings(settings, MainScene);
-    MainScene.UpdateMiscAtAnimTimeChange();
+    // The selection centre follows the new time. With nothing selected, as after loading any
+    // file SaveProjectFile writes, it is the origin that the emptied scene started with.
+    if (MainScene.NumSelected() > 0) MainScene.UpdateMiscAtAnimTimeChange();
     return 1;
 }
 
@@ -649,11 +938,18 @@ int WriteMaterials(cio_save& out) {
     return 1;
 }
 
-int WriteNodes(cio_save& out, const std::vector<cnode*>& nodes) {
+// Writes the node records; `marks` receives the offset of every kMarkStride-th one and must
+// have room for them.
+int WriteNodes(cio_save& out, const std::vector<cnode*>& nodes, std::vector<std::uint32_t>& marks) {
     // Writing a record takes long enough that four places ahead already hide the trip to memory.
     constexpr size_t kAhead = 4;
     for (size_t i = 0; i < nodes.size(); ++i) {
         if (i + kAhead < nodes.size()) PrefetchBytes(nodes[i + kAhead], sizeof(cnode));
+        if (i > 0 && i % kMarkStride == 0) {
+            std::uint32_t at = 0;
+            if (!PositionWord(out, at)) return 0;
+            marks.push_back(at);
+        }
         const cnode* node = nodes[i];
         const auto type = static_cast<std::uint32_t>(node->GetTypeID());
         const auto subType = static_cast<std::uint32_t>(node->GetSubTypeID());
@@ -662,9 +958,17 @@ int WriteNodes(cio_save& out, const std::vector<cnode*>& nodes) {
     return 1;
 }
 
-// Writes the whole file; `end` receives its length.
+int WriteMarks(cio_save& out, const std::vector<std::uint32_t>& marks) {
+    if (!WriteUInt32(out, kMarkStride)) return 0;
+    for (std::uint32_t at : marks)
+        if (!WriteUInt32(out, at)) return 0;
+    return 1;
+}
+
+// Writes the whole file; `end` receives its length. `marks` has room for the node record
+// marks.
 int WriteProject(cio_save& out, const std::vector<cnode*>& nodes, SceneSettings& settings,
-                 std::uint32_t& end) {
+                 std::vector<std::uint32_t>& marks, std::uint32_t& end) {
     Header header;
     header.version = PROJECT_VERSION;
     header.numNodes = static_cast<std::uint32_t>(MainScene.NumNodes());
@@ -682,7 +986,8 @@ int WriteProject(cio_save& out, const std::vector<cnode*>& nodes, SceneSettings&
            WriteSection(out, header.settings,
                         [&] { return ForEachSetting(settings, WriteField{out}); }) &&
            WriteSection(out, header.materials, [&] { return WriteMaterials(out); }) &&
-           WriteSection(out, header.nodes, [&] { return WriteNodes(out, nodes); }) &&
+           WriteSection(out, header.nodes, [&] { return WriteNodes(out, nodes, marks); }) &&
+           WriteSection(out, header.marks, [&] { return WriteMarks(out, marks); }) &&
            PositionWord(out, end) && WriteHeader(out, header);
 }
 
@@ -698,13 +1003,15 @@ int SaveProject(char const* path) {
     const std::vector<cnode*> nodes = RecordOrder();
     if (!ParentsComeFirst(nodes)) return 0;
     SceneSettings settings = SettingsOf(MainScene);
+    std::vector<std::uint32_t> marks;
+    marks.reserve(nodes.size() / kMarkStride);
     const std::string written = std::string(path) + ".saving";
     std::uint32_t end = 0;
     int ok = 0;
     {
         cio_save out;
         if (out.Open(written.c_str()) != 0) return 0;
-        ok = WriteProject(out, nodes, settings, end);
+        ok = WriteProject(out, nodes, settings, marks, end);
     }
     ok = ok && HasSize(written.c_str(), end) && std::rename(written.c_str(), path) == 0;
     if (!ok) std::remove(written.c_str());
@@ -729,6 +1036,10 @@ int LoadProjectFile(char const* path) {
         // The transaction has put the old scene back while the exception passed.
         return 0;
     }
+}
+
+int SetProjectLoadThreads(int count) {
+    return loadThreads.exchange(std::max(count, 0));
 }
 
 int ReadProjectInfo(char const* path, ProjectInfo* info) {

@@ -91,6 +91,10 @@ std::vector<std::string> FuzzSeeds() {
         seeds.push_back(ReadFileBytes(SavedScene("seed.orv")));
     }
     for (std::uint32_t version : {6u, 12u, 16u}) seeds.push_back(RobotFile(version).Bytes());
+    // Marks at every record, so that the records are read on several threads.
+    ProjectFile marked = RobotFile(16);
+    marked.markStride = 1;
+    seeds.push_back(marked.Bytes());
     BuildBaseline(false);
     return seeds;
 }

@@ -20,9 +20,9 @@ constexpr std::size_t kNodeCountAt = 12, kMaterialCountAt = 20, kMaterialRecords
                       kNodeRecordsAt = 40;
 
 // A project file: the 72-byte header (magic, version, offset and count of each name table,
-// offset and size of each section, the clock), the node and material name tables (a count and
-// 64-byte names), the scene settings record, the material records (each behind its length
-// word) and the node records, in that order.
+// offset and size of each section, the clock, the marks), the node and material name tables (a
+// count and 64-byte names), the scene settings record, the material records (each behind its
+// length word), the node records and the marks, in that order.
 struct ProjectFile {
     std::string magic = "#ORV";
     std::uint32_t version = 16;
@@ -31,6 +31,9 @@ struct ProjectFile {
     std::vector<std::string> materialRecords;  // without their length words
     std::vector<std::string> nodeRecords;      // framed, as NodeRecord::Bytes gives them
     std::int32_t clock[4] = {0, 100, 0, 40};   // start, end, time, ticks per frame
+    // With a stride, the node record marks follow the node records: the stride, then where
+    // every stride-th record starts.
+    std::uint32_t markStride = 0;
 
     // Overwrites the little-endian word at byte `at`.
     static void SetWord(std::string& bytes, std::size_t at, std::uint32_t value) {
@@ -63,6 +66,18 @@ struct ProjectFile {
         }
         for (std::int32_t value : clock) header.Ints({value});
         header.bytes.resize(72, '\0');
+        if (markStride) {
+            ByteString marks;
+            marks.Word(markStride);
+            std::size_t at = 72 + body.size() - nodeBytes.size();
+            for (std::size_t i = 0; i < nodeRecords.size(); ++i) {
+                if (i > 0 && i % markStride == 0) marks.Word(at);
+                at += nodeRecords[i].size();
+            }
+            SetWord(header.bytes, PROJECT_NODE_MARKS_OFFSET_AT, 72 + body.size());
+            SetWord(header.bytes, PROJECT_NODE_MARKS_SIZE_AT, marks.bytes.size());
+            body += marks.bytes;
+        }
         return header.bytes + body;
     }
 };

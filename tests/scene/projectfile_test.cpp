@@ -1,14 +1,26 @@
 // Angle brackets: the byte builder beside this file, scene/projectfile.h, would shadow it.
 #include <projectfile.h>
 
+#include <algorithm>
+
 #include "ccamera.h"
 #include "clight.h"
 #include "cmesh.h"
+#include "cskin.h"
 #include "projectheader.h"
 #include "scene/aimednodes.h"
 #include "scene/projectfile.h"
 
 namespace {
+
+// Where two byte strings first differ ("same" when they do not), so that a failure does not
+// print megabytes.
+std::string FirstDifference(const std::string& a, const std::string& b) {
+    const auto at = std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin();
+    if (a.size() == b.size() && static_cast<std::size_t>(at) == a.size()) return "same";
+    return "differ at " + std::to_string(at) + " of " + std::to_string(a.size()) + "/" +
+           std::to_string(b.size());
+}
 
 std::uint32_t Word(const std::string& bytes, std::size_t at) {
     std::uint32_t word = 0;
@@ -199,6 +211,181 @@ TEST_F(ProjectFileTest, LoadedNodesTakeTheFilesTimeAndTheirOwnMaterials) {
     EXPECT_EQ(std::string(MainScene.GetNodeAt(0)->GetMaterial()->GetName()) +
                   MainScene.GetNodeAt(1)->GetMaterial()->GetName(),
               "GlassRubber");
+}
+
+// Some nodes of the marked scene share the name "Twin". Loading pairs a name with the nodes
+// that bear it in file order, so the twins are alike in all else: plain roots without keys.
+bool IsTwin(int i) {
+    return i % 97 == 5;
+}
+
+// A scene of 5000 nodes and a skin, so that its file marks four records, with the kinds,
+// keys and links that reading the records on several threads must leave exactly as one
+// thread does. With `hierarchyOrder` the scene keeps its nodes in the order the file's
+// records take (chains of ten); otherwise trees reach across the marks (node i under node
+// i / 2 for every fourth node) and the records take another order than the scene's.
+void BuildMarkedScene(bool hierarchyOrder) {
+    constexpr int kCount = 5000;
+    for (const char* name : {"Chrome", "Rubber"}) MainScene.AddMaterial(new cmaterial(name), 1);
+    std::vector<cnode*> nodes(kCount);
+    const auto at = [&nodes](int i) { return nodes[static_cast<size_t>(i)]; };
+    for (int i = 0; i < kCount; ++i) {
+        cnode*& node = nodes[static_cast<size_t>(i)];
+        if (IsTwin(i)) {
+            node = new cnode("Twin", ccolor(0.1f, 0.2f, 0.3f, 1.0f));
+            continue;
+        }
+        if (i % 50 == 7) {
+            cmesh* mesh = CreateNewMesh();
+            mesh->SetMaterial(MainScene.GetMaterialAt(i % 2));
+            node = mesh;
+        } else if (i % 100 == 9) {
+            node = CreateNewLight();
+        } else if (i % 100 == 59) {
+            node = CreateNewCamera();
+        } else {
+            node = new cnode("", ccolor(0.1f, 0.2f, 0.3f, 1.0f));
+        }
+        node->SetName(("N" + std::to_string(i)).c_str());
+        if (i % 13 == 0) node->SetFlags(FLAG_HIDDEN);
+    }
+    for (int i = 1; i < kCount; ++i) {
+        const int parent = hierarchyOrder ? (i % 10 ? i - 1 : -1) : (i % 4 == 1 ? i / 2 : -1);
+        if (parent >= 0 && !IsTwin(parent) && !IsTwin(i)) at(parent)->Attach(at(i), 1);
+    }
+    MainScene.AddNodeArray(nodes.data(), kCount, 1);
+    SetAnimOn(1);
+    for (int i = 0; i < kCount; i += 3)
+        if (!IsTwin(i)) at(i)->SetPosition(40 + i % 5, cpoint3(1, 2, 3));
+    SetAnimOn(0);
+    // Lights and cameras aim at nodes saved before and after them, a skin at bones all over.
+    for (int i = 9; i < kCount; i += 50) {
+        cnode* target = at((i * 7 + 2500) % kCount);
+        if (auto* light = dynamic_cast<clight*>(at(i))) light->SetTarget(target);
+        if (auto* camera = dynamic_cast<ccamera*>(at(i))) camera->SetTarget(target);
+    }
+    cskin* skin = CreateNewSkin();
+    MainScene.AddNode(skin, 1);
+    for (int bone : {4999, 10, 2048, 3333}) skin->AddBone(at(bone));
+}
+
+TEST_F(ProjectFileTest, RecordsReadOnSeveralThreadsGiveTheSceneOneThreadGives) {
+    for (bool hierarchyOrder : {false, true}) {
+        SCOPED_TRACE(hierarchyOrder);
+        Reset();
+        BuildMarkedScene(hierarchyOrder);
+        ASSERT_EQ(SaveProjectFile(path.c_str()), 1);
+        const std::string saved = ReadFileBytes(path);
+        // The marks: a stride of 1024, then records 1024, 2048, 3072 and 4096.
+        const std::uint32_t marksAt = Word(saved, PROJECT_NODE_MARKS_OFFSET_AT);
+        ASSERT_EQ(Values(Word(saved, PROJECT_NODE_MARKS_SIZE_AT), Word(saved, marksAt)),
+                  Values(20u, 1024u));
+        std::string loaded[3];
+        const int threads[] = {1, 2, 8};
+        for (int t = 0; t < 3; ++t) {
+            SetProjectLoadThreads(threads[t]);
+            Reset();
+            ASSERT_EQ(LoadProjectFile(path.c_str()), 1) << threads[t];
+            loaded[t] = DescribeMainScene(false);
+            EXPECT_EQ(MainScene.NumHidden(), 381) << "every 13th node but four twins";
+        }
+        SetProjectLoadThreads(0);
+        EXPECT_EQ(FirstDifference(loaded[0].substr(1, saved.size()), saved), "same")
+            << "the loaded scene saves alike";
+        EXPECT_EQ(FirstDifference(loaded[1], loaded[0]), "same");
+        EXPECT_EQ(FirstDifference(loaded[2], loaded[0]), "same");
+        auto* skin = dynamic_cast<cskin*>(MainScene.FindNode("Skin1"));
+        ASSERT_TRUE(skin && skin->NumBones() == 4);
+        EXPECT_EQ(std::string(skin->GetBone(0)->GetName()) + skin->GetBone(3)->GetName(),
+                  "N4999N3333");
+    }
+}
+
+TEST_F(ProjectFileTest, MarksThatDisagreeWithTheRecordsAreRefused) {
+    BuildMarkedScene(false);
+    ASSERT_EQ(SaveProjectFile(path.c_str()), 1);
+    const std::string saved = ReadFileBytes(path);
+    Reset();
+    AddToMainScene("Kept");
+    const std::string before = DescribeMainScene(true);
+    const std::uint32_t marksAt = Word(saved, PROJECT_NODE_MARKS_OFFSET_AT);
+    const std::uint32_t marksSize = Word(saved, PROJECT_NODE_MARKS_SIZE_AT);
+    const auto changed = [&](std::size_t at, std::uint32_t word) {
+        std::string bytes = saved;
+        ProjectFile::SetWord(bytes, at, word);
+        return bytes;
+    };
+    const std::pair<const char*, std::string> refused[] = {
+        {"marks inside the records", changed(PROJECT_NODE_MARKS_OFFSET_AT, Word(saved, 40) + 8)},
+        {"one mark too few", changed(PROJECT_NODE_MARKS_SIZE_AT, marksSize - 4)},
+        {"a size past the end", changed(PROJECT_NODE_MARKS_SIZE_AT, marksSize + 4)},
+        {"a size of no whole words", changed(PROJECT_NODE_MARKS_SIZE_AT, marksSize - 1)},
+        {"an offset without a size", changed(PROJECT_NODE_MARKS_SIZE_AT, 0)},
+        {"a stride of 0", changed(marksAt, 0)},
+        {"a stride the count does not fit", changed(marksAt, 2048)},
+        {"a mark inside a record", changed(marksAt + 8, Word(saved, marksAt + 8) + 4)},
+        {"marks that do not rise", changed(marksAt + 8, Word(saved, marksAt + 4))},
+    };
+    for (int threads : {1, 3}) {
+        SetProjectLoadThreads(threads);
+        for (const auto& [why, bytes] : refused) {
+            ASSERT_EQ(Load(bytes), 0) << why << " on threads: " << threads;
+            ASSERT_EQ(DescribeMainScene(true), before) << why;
+        }
+    }
+    SetProjectLoadThreads(0);
+    // A file without marks is read on the calling thread alone.
+    std::string unmarked = changed(PROJECT_NODE_MARKS_OFFSET_AT, 0);
+    ProjectFile::SetWord(unmarked, PROJECT_NODE_MARKS_SIZE_AT, 0);
+    ASSERT_EQ(Load(unmarked), 1);
+    EXPECT_EQ(MainScene.NumNodes(), 5001);
+}
+
+TEST_F(ProjectFileTest, AnyStrideOfMarksReadsAsTheRecordsAlone) {
+    ProjectFile file = RobotFile(16);
+    for (const char* name : {"C", "D", "E"}) {
+        NodeRecord extra;
+        extra.name = name;
+        extra.parent = "Arm";
+        extra.keys = {{0, 3.0f}, {20, 4.0f}};
+        file.nodes.push_back(name);
+        file.nodeRecords.push_back(extra.Bytes(16));
+    }
+    ASSERT_EQ(Load(file.Bytes()), 1);
+    const std::string unmarked = DescribeMainScene(false);
+    for (std::uint32_t stride : {1u, 2u, 4u, 5u}) {
+        file.markStride = stride;
+        for (int threads : {1, 2, 5}) {
+            SetProjectLoadThreads(threads);
+            Reset();
+            ASSERT_EQ(Load(file.Bytes()), 1) << stride << " " << threads;
+            EXPECT_EQ(DescribeMainScene(false), unmarked) << stride << " " << threads;
+        }
+    }
+    SetProjectLoadThreads(0);
+    EXPECT_EQ(MainScene.FindNode("Arm")->NumChildren(), 3);
+}
+
+TEST_F(ProjectFileTest, LoadedSelectionIsCountedAndCentred) {
+    ProjectFile file = RobotFile(16);
+    NodeRecord picked, hidden;
+    picked.name = "Picked";
+    picked.flags = FLAG_SELECTED;
+    picked.keys = {{0, 6.0f}};
+    hidden.name = "Hidden";
+    hidden.flags = FLAG_SELECTED | FLAG_HIDDEN | FLAG_DELETED;
+    for (const NodeRecord& r : {picked, hidden}) {
+        file.nodes.push_back(r.name);
+        file.nodeRecords.push_back(r.Bytes(16));
+    }
+    ASSERT_EQ(Load(file.Bytes()), 1);
+    cnode* loaded = MainScene.FindNode("Picked");
+    EXPECT_EQ(Values(MainScene.NumSelected(), MainScene.NumHidden(),
+                     MainScene.FindNode("Hidden")->GetFlags()),
+              Values(1, 2, static_cast<unsigned long>(FLAG_HIDDEN)))
+        << "hidden sheds the selection and the deleted mark";
+    EXPECT_EQ(MainScene.GetSelNode(), loaded);
+    EXPECT_EQ(MainScene.GetSelCenter().x, 6.0f);
 }
 
 TEST_F(ProjectFileTest, SavingRefusesWhatCouldNotBeReadBack) {
