@@ -15,10 +15,6 @@ inline void Prefetch(const void* p) {
     __builtin_prefetch(p);
 #else
     static_cast<void>(p);
-    // The bytes at the start of a node that a pass over its flags reads: the pointer to its
-    // virtual operations, its type words, its name and the flags that follow.
-    constexpr unsigned long kNodeHeadBytes = 96;
-
 #endif
 }
 
@@ -27,24 +23,16 @@ inline void PrefetchForWrite(const void* p) {
     __builtin_prefetch(p, 1);
 #else
     static_cast<void>(p);
-    // The bytes at the start of a node that a pass over its flags reads: the pointer to its
-    // virtual operations, its type words, its name and the flags that follow.
-    constexpr unsigned long kNodeHeadBytes = 96;
-
 #endif
 }
 
-// Starts bringing in the `bytes` bytes at `p`, a cache line at a time: a whole object that
-// is about to be read field by field.
+// Starts bringing in every cache line that the `bytes` bytes at `p` touch: a whole object
+// that is about to be read field by field.
 inline void PrefetchBytes(const void* p, unsigned long bytes) {
     constexpr std::uintptr_t kLine = 64;
     const auto start = reinterpret_cast<std::uintptr_t>(p);
     for (std::uintptr_t line = start & ~(kLine - 1); line < start + bytes; line += kLine)
         Prefetch(reinterpret_cast<const void*>(line));
 }
-
-// The bytes at the start of a node that a pass over its flags reads: the pointer to its
-// virtual operations, its type words, its name and the flags that follow.
-constexpr unsigned long kNodeHeadBytes = 96;
 
 #endif

@@ -24,6 +24,10 @@ cscene MainScene;
 
 namespace {
 
+// The bytes at the start of a node that a pass over its flags reads: the pointer to its
+// virtual operations, its type words, its name and the flags that follow.
+constexpr unsigned long kNodeHeadBytes = 96;
+
 // ---- Pointer arrays: one entry per element, grown one at a time ----
 
 template <class T>

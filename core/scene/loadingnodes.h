@@ -116,6 +116,18 @@ private:
 // DeferLink collects into it. Each thread sets its own. Returns the thread's previous setting.
 const LoadingNodes* SetLoadingNodes(const LoadingNodes* loading);
 
+// Sets the calling thread's loading nodes while alive, then puts back the ones it found.
+class LoadingNodesScope {
+public:
+    explicit LoadingNodesScope(const LoadingNodes* loading) : outer(SetLoadingNodes(loading)) {}
+    ~LoadingNodesScope() { SetLoadingNodes(outer); }
+    LoadingNodesScope(const LoadingNodesScope&) = delete;
+    LoadingNodesScope& operator=(const LoadingNodesScope&) = delete;
+
+private:
+    const LoadingNodes* outer;
+};
+
 // While `names` is set (non-null), MtlList finds materials by name through it, where entry i
 // names MainScene's material i: a loading project's node records look up one material each.
 // Unlike the loading nodes it holds for every thread, so that threads reading node records in

@@ -589,11 +589,7 @@ struct ReadRun {
 // Reads the records of `read.run` from `in`. Answers 1 when every record is sound and the last
 // ends where the run ends. Stops early once `failed` is set, and sets it on failure.
 int ReadRecords(cio_load& in, unsigned long version, ReadRun& read, std::atomic<bool>& failed) {
-    const LoadingNodes* outer = SetLoadingNodes(&read.links);
-    struct Restore {
-        const LoadingNodes* outer;
-        ~Restore() { SetLoadingNodes(outer); }
-    } restore{outer};
+    const LoadingNodesScope links(&read.links);
     const RecordRun& run = read.run;
     int ok = in.SetPosition(static_cast<long>(run.offset), 0) == 0;
     if (ok) {
