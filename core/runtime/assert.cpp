@@ -27,20 +27,13 @@ thread_local DeferredReports* collecting = nullptr;
 
 }  // namespace
 
-CollectReports::CollectReports(DeferredReports& reports) : outer(collecting) {
-    collecting = &reports;
-}
+CollectReports::CollectReports(DeferredReports& reports) : ThreadSetting(collecting, &reports) {}
 
-CollectReports::~CollectReports() {
-    collecting = outer;
-}
-
-void HoldReport(DeferredReports& reports, char const* expression, char const* file, int line) {
+void DeferredReports::Hold(char const* expression, char const* file, int line) {
     try {
-        reports.entries.push_back({expression ? expression : "", file ? file : "", line});
+        entries.push_back({expression ? expression : "", file ? file : "", line});
     } catch (...) {
-        // With no memory left to hold the report, it is lost rather than made off the host's
-        // thread.
+        // Lost: see the declaration.
     }
 }
 
@@ -53,7 +46,7 @@ void DeferredReports::Report() {
 
 void MyAssertFailedLine(char const* expression, char const* file, int line) {
     if (collecting) {
-        HoldReport(*collecting, expression, file, line);
+        collecting->Hold(expression, file, line);
         return;
     }
     char text[1024];

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "coreapi.h"
+#include "runtime/threadsetting.h"
 
 // Exported for the library's tests only; no public header declares it.
 class CORE_API DeferredReports {
@@ -22,8 +23,11 @@ public:
     bool Empty() const { return entries.empty(); }
 
 private:
-    friend class CollectReports;
-    friend void HoldReport(DeferredReports&, char const*, char const*, int);
+    friend void MyAssertFailedLine(char const*, char const*, int);
+    // Keeps a report; with no memory left to keep it, it is lost rather than made off the
+    // host's thread.
+    void Hold(char const* expression, char const* file, int line);
+
     struct Entry {
         std::string expression, file;
         int line;
@@ -33,15 +37,9 @@ private:
 
 // While alive, MyAssertFailedLine on the thread that made it holds its reports in `reports`
 // instead of making them.
-class CORE_API CollectReports {
+class CORE_API CollectReports : ThreadSetting<DeferredReports*> {
 public:
     explicit CollectReports(DeferredReports& reports);
-    ~CollectReports();
-    CollectReports(const CollectReports&) = delete;
-    CollectReports& operator=(const CollectReports&) = delete;
-
-private:
-    DeferredReports* outer;
 };
 
 #endif

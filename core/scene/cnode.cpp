@@ -110,13 +110,7 @@ thread_local bool constructingForRecord = false;
 
 }  // namespace
 
-RecordConstruction::RecordConstruction() : outer(constructingForRecord) {
-    constructingForRecord = true;
-}
-
-RecordConstruction::~RecordConstruction() {
-    constructingForRecord = outer;
-}
+RecordConstruction::RecordConstruction() : ThreadSetting(constructingForRecord, true) {}
 
 bool RecordConstruction::Active() {
     return constructingForRecord;

@@ -14,6 +14,7 @@
 #include "cbitarray.h"
 #include "cnode.h"
 #include "runtime/nameindex.h"
+#include "runtime/threadsetting.h"
 
 class LoadingNodes {
 public:
@@ -113,19 +114,13 @@ private:
 
 // While `loading` is set (non-null) on the calling thread, NodeList::FindNode and NodeList::Find
 // answer there as MainScene would if it held exactly the loaded nodes, in load order, and
-// DeferLink collects into it. Each thread sets its own. Returns the thread's previous setting.
-const LoadingNodes* SetLoadingNodes(const LoadingNodes* loading);
+// DeferLink collects into it. Each thread sets its own.
+void SetLoadingNodes(const LoadingNodes* loading);
 
 // Sets the calling thread's loading nodes while alive, then puts back the ones it found.
-class LoadingNodesScope {
+class LoadingNodesScope : ThreadSetting<const LoadingNodes*> {
 public:
-    explicit LoadingNodesScope(const LoadingNodes* loading) : outer(SetLoadingNodes(loading)) {}
-    ~LoadingNodesScope() { SetLoadingNodes(outer); }
-    LoadingNodesScope(const LoadingNodesScope&) = delete;
-    LoadingNodesScope& operator=(const LoadingNodesScope&) = delete;
-
-private:
-    const LoadingNodes* outer;
+    explicit LoadingNodesScope(const LoadingNodes* loading);
 };
 
 // While `names` is set (non-null), MtlList finds materials by name through it, where entry i

@@ -31,11 +31,12 @@ char* AllocateNodeNames(unsigned long bytes) {
 
 }  // namespace
 
-const LoadingNodes* SetLoadingNodes(const LoadingNodes* loading) {
-    const LoadingNodes* previous = Loading();
+void SetLoadingNodes(const LoadingNodes* loading) {
     Loading() = loading;
-    return previous;
 }
+
+LoadingNodesScope::LoadingNodesScope(const LoadingNodes* loading)
+    : ThreadSetting(Loading(), loading) {}
 
 int DeferLink(const cnode* self, char const* name, std::function<void(cnode*)> link) {
     const LoadingNodes* loading = Loading();

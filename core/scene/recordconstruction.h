@@ -11,20 +11,15 @@
 #define ORVANE_CORE_SCENE_RECORDCONSTRUCTION_H
 
 #include "coreapi.h"
+#include "runtime/threadsetting.h"
 
 // Exported for the library's tests only; no public header declares it.
-class CORE_API RecordConstruction {
+class CORE_API RecordConstruction : ThreadSetting<bool> {
 public:
     RecordConstruction();
-    ~RecordConstruction();
-    RecordConstruction(const RecordConstruction&) = delete;
-    RecordConstruction& operator=(const RecordConstruction&) = delete;
 
     // Whether the calling thread constructs nodes for their records.
     static bool Active();
-
-private:
-    bool outer;
 };
 
 #endif
